@@ -1,0 +1,24 @@
+#pragma once
+
+// Fills a format with arguments as POSIX printf does, in the plain locale, with "%@" for objects.
+// Widths count UTF-16 units. Every argument carries its type: one that a conversion cannot take is
+// converted where that makes sense and prints nothing where it does not; an argument that is not
+// there prints nothing. Integers are cut to the conversion's size as in C ("%d" to 32 bits), and
+// "%n" stores nothing.
+
+#include <Brindle/Platform/FormatArgument.h>
+
+#include <span>
+
+#include "Platform/Foundation/Internal/Text.h"
+
+namespace brindle::internal {
+
+/// Answers the text of an object that is not nil.
+using DescribeObject = Text (*)(const void* object);
+
+/// The filled format. Nil and null strings print as "(null)".
+Text formatText(TextView format, std::span<const FormatArgument> arguments,
+                DescribeObject describe);
+
+}  // namespace brindle::internal

@@ -1,0 +1,19 @@
+// Messages whose types are known only while the program runs.
+#pragma once
+
+#include <Brindle/Platform/Types.h>
+
+#include "Platform/Runtime/Internal/SignatureData.h"
+
+namespace brindle::detail {
+
+/// Sends a message whose arguments (receiver and selector included) lie in a frame. `result` has room
+/// for the signature's result; an object arrives owned. Raises NSInvalidArgumentException when the
+/// method found has other types than the signature.
+void sendFrame(ObjectRecord* target, SEL selector, SignatureData& data, void** arguments,
+               void* result);
+
+/// Raises NSInvalidArgumentException, naming class, selector and receiver.
+[[noreturn]] void raiseUnrecognized(const ClassRecord& cls, SEL selector, const void* receiver);
+
+}  // namespace brindle::detail

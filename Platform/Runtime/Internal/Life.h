@@ -1,0 +1,29 @@
+// The steps in the life of an object that the runtime's units share.
+#pragma once
+
+#include <cstddef>
+
+#include <Brindle/Platform/Types.h>
+
+namespace brindle::detail {
+
+/// A new instance, fields constructed, one owner. Throws std::bad_alloc.
+ObjectRecord* createInstance(ClassRecord* cls, std::size_t extraBytes);
+
+/// Destroys the object's fields by the class it was born with, forgets its associations, frees it.
+/// Raises, after all that, what the ends of its fields raised.
+void disposeObject(ObjectRecord* record);
+
+/// The `dealloc` that does nothing but dispose: the root classes' own.
+void setPlainDealloc(IMP dealloc) noexcept;
+
+/// Weak references to the object read nil from now on.
+void clearWeakReferences(ObjectRecord* record);
+
+/// Releases the object's associated values.
+void forgetAssociations(ObjectRecord* record);
+
+/// A heap copy of a block on the stack, owned.
+ObjectRecord* copyStackBlock(ObjectRecord* record);
+
+}  // namespace brindle::detail

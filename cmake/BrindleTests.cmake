@@ -1,0 +1,51 @@
+# Functions for programs and tests.
+
+# Where every test runs: off UTC, off en_US, and loud about what a sanitizer finds.
+set(BRINDLE_TEST_ENVIRONMENT
+  TZ=America/New_York
+  LC_ALL=de_DE.UTF-8
+  LANG=de_DE.UTF-8
+  UBSAN_OPTIONS=print_stacktrace=1
+  ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1
+  TSAN_OPTIONS=second_deadlock_stack=1)
+
+# A program over the public headers. It links libBrindle when it includes one of its headers, and
+# only the platform otherwise.
+function(brindle_program target)
+  add_executable(${target} ${ARGN})
+  set(library BrindlePlatform)
+  foreach(source IN LISTS ARGN)
+    file(STRINGS ${source} includes REGEX "^#include <Brindle/")
+    list(FILTER includes EXCLUDE REGEX "<Brindle/(Platform/|Platform\\.h)")
+    if(includes)
+      set(library Brindle)
+    endif()
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${source})
+  endforeach()
+  target_link_libraries(${target} PRIVATE ${library} brindle_warnings)
+endfunction()
+
+# Adds a test that runs `command` in the test environment.
+#   brindle_test(<name> LABEL <label> [TIMEOUT <seconds>] COMMAND <command>...)
+function(brindle_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABEL;TIMEOUT" "COMMAND")
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 300)
+  endif()
+  add_test(NAME ${name} COMMAND ${arg_COMMAND})
+  set_tests_properties(${name} PROPERTIES
+    LABELS ${arg_LABEL} TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${BRINDLE_TEST_ENVIRONMENT}")
+endfunction()
+
+# A GoogleTest program. ctest asks it for its suites when the tests start and runs each suite in a
+# process of its own: two at a time, and no suite leans on another.
+#   brindle_gtest(<target> <source>...)
+function(brindle_gtest target)
+  add_executable(${target} ${ARGN})
+  target_link_libraries(${target} PRIVATE brindle_headers brindle_warnings GTest::gtest_main)
+  set(BRINDLE_SUITES_TARGET ${target})
+  set(file ${CMAKE_CURRENT_BINARY_DIR}/${target}_suites)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/TestSuites.cmake.in ${file}.in @ONLY)
+  file(GENERATE OUTPUT ${file}.cmake INPUT ${file}.in)
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${file}.cmake)
+endfunction()

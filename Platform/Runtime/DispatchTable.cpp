@@ -6,12 +6,14 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <Brindle/Platform/MethodChanges.h>
+
 #include "Platform/Runtime/Internal/ClassData.h"
 
 namespace brindle::detail {
 namespace {
 
-constinit MethodRecord missingMethod{nullptr, nullptr, nullptr, nullptr};
+constinit MethodRecord missingMethod{nullptr, nullptr, nullptr, nullptr, nullptr};
 
 constexpr DispatchPage emptyPageOf(MethodRecord* missing) {
   DispatchPage page{};
@@ -92,6 +94,8 @@ void inheritLocked(ClassData* data, std::size_t page, std::size_t index, MethodR
 
 }  // namespace
 
+constinit std::atomic<std::uint64_t> methodEpoch{0};
+
 constinit const EmptyTable kEmptyTable = emptyTableOf(&emptyPage);
 
 std::size_t tablePagesLocked() { return tablePages; }
@@ -122,7 +126,7 @@ void installMethodLocked(ClassData* data, MethodRecord* method) {
 
 MethodRecord* addMethodLocked(ClassData* data, SEL selector, IMP imp, const char* types,
                               const char* wire, bool first) {
-  auto* method = new MethodRecord(selector, imp, types, wire);
+  auto* method = new MethodRecord(selector, imp, types, wire, data->record);
   data->methods.insert(first ? data->methods.begin() : data->methods.end(), method);
   data->ownMethods.emplace(selector, method);
   installMethodLocked(data, method);
@@ -139,6 +143,11 @@ MethodRecord* lookUpMethod(const ClassData* data, SEL selector) noexcept {
   return method == &missingMethod ? nullptr : method;
 }
 
+void noteChangeLocked(ClassData* data) noexcept {
+  ++data->changes;
+  methodEpoch.fetch_add(1, std::memory_order_release);
+}
+
 void storeImplementation(MethodRecord* method, IMP imp, const char* wire) noexcept {
   method->wire.store(nullptr, std::memory_order_release);
   method->implementation.store(imp, std::memory_order_release);
@@ -146,3 +155,9 @@ void storeImplementation(MethodRecord* method, IMP imp, const char* wire) noexce
 }
 
 }  // namespace brindle::detail
+
+std::uint32_t brindle::class_getMethodChanges(Class cls) {
+  if (!cls) return 0;
+  const std::lock_guard guard(detail::runtimeLock());
+  return detail::realizedLocked(cls.record())->changes;
+}

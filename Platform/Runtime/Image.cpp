@@ -48,6 +48,8 @@ void attachLocked(const CategoryDefinition& category) {
   ClassData* meta = detail::realizedLocked(category.cls->other);
   attachMethodsLocked(data, category, false);
   attachMethodsLocked(meta, category, true);
+  detail::noteChangeLocked(data);
+  detail::noteChangeLocked(meta);
   for (const PropertyDefinition& p : category.properties) {
     data->properties.push_back(new PropertyRecord{p.name, p.attributes});
   }

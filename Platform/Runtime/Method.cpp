@@ -13,6 +13,10 @@ using detail::realized;
 using detail::realizedLocked;
 
 namespace {
+void noteChangeLocked(const MethodRecord* method) {
+  detail::noteChangeLocked(method->owner->data.load(std::memory_order_relaxed));
+}
+
 const char* wireFor(IMP imp, const char* types) {
   return imp != nullptr ? detail::wireOfImplementationLocked(imp, types) : nullptr;
 }
@@ -55,6 +59,7 @@ BOOL class_addMethod(Class cls, SEL selector, IMP implementation, const char* ty
   if (data->ownMethods.contains(selector)) return NO;
   const char* text = types != nullptr ? detail::internedLocked(types) : nullptr;
   detail::addMethodLocked(data, selector, implementation, text, wireFor(implementation, text), true);
+  detail::noteChangeLocked(data);
   return YES;
 }
 
@@ -67,11 +72,13 @@ IMP class_replaceMethod(Class cls, SEL selector, IMP implementation, const char*
     const char* text = types != nullptr ? detail::internedLocked(types) : nullptr;
     detail::addMethodLocked(data, selector, implementation, text, wireFor(implementation, text),
                             true);
+    detail::noteChangeLocked(data);
     return nullptr;
   }
   MethodRecord* method = own->second;
   const IMP previous = method->implementation.load();
   detail::storeImplementation(method, implementation, wireFor(implementation, method->types.load()));
+  noteChangeLocked(method);
   return previous;
 }
 
@@ -96,6 +103,7 @@ IMP method_setImplementation(Method method, IMP implementation) {
   const std::lock_guard guard(detail::runtimeLock());
   const IMP previous = method->implementation.load();
   detail::storeImplementation(method, implementation, wireFor(implementation, method->types.load()));
+  noteChangeLocked(method);
   return previous;
 }
 
@@ -109,6 +117,8 @@ void method_exchangeImplementations(Method a, Method b) {
   const char* wireOfB = b->wire.load();
   detail::storeImplementation(a, impOfB, wireOfB);
   detail::storeImplementation(b, impOfA, wireOfA);
+  noteChangeLocked(a);
+  noteChangeLocked(b);
 }
 
 }  // namespace brindle

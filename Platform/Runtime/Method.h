@@ -21,9 +21,15 @@ struct MethodRecord {
   std::atomic<const char*> types;    // the method's encoding
   std::atomic<const char*> wire;     // wire codes of the implementation; null while it changes
   std::atomic<ObjectRecord*> signature{nullptr};  // the signature object made from `types`
+  ClassRecord* owner;                // the class or meta-class that defines it
 
-  constexpr MethodRecord(SEL selector, IMP imp, const char* encoding, const char* wireCodes) noexcept
-      : name(selector), implementation(imp), types(encoding), wire(wireCodes) {}
+  constexpr MethodRecord(SEL selector, IMP imp, const char* encoding, const char* wireCodes,
+                         ClassRecord* definingClass) noexcept
+      : name(selector),
+        implementation(imp),
+        types(encoding),
+        wire(wireCodes),
+        owner(definingClass) {}
 };
 
 namespace detail {

@@ -55,6 +55,7 @@ struct ClassData {
   bool destructible = false;
   bool rawVariables = false;  // variables that nothing constructs: the memory is zeroed
   bool registered = false;
+  std::uint32_t changes = 0;  // of methods, after the definition was attached
   std::uint32_t number = 0;
   std::size_t extraBytes = 0;
 
@@ -96,6 +97,8 @@ MethodRecord* addMethodLocked(ClassData* data, SEL selector, IMP imp, const char
                               const char* wire, bool first);
 /// The method as writers see it, own or inherited; null when there is none.
 MethodRecord* lookUpMethod(const ClassData* data, SEL selector) noexcept;
+/// Notes that a method of the class is another one now.
+void noteChangeLocked(ClassData* data) noexcept;
 /// Stores an implementation with its wire codes, so that a checked send never sees a wrong pair.
 void storeImplementation(MethodRecord* method, IMP imp, const char* wire) noexcept;
 

@@ -2,13 +2,17 @@
 // categories. A class that is missing here works, but is not found by name before its first use.
 #include <Brindle/Platform/Block.h>
 #include <Brindle/Platform/Definition.h>
+#include <Brindle/Platform/NSCharacterSet.h>
 #include <Brindle/Platform/NSInvocation.h>
 #include <Brindle/Platform/NSMethodSignature.h>
+#include <Brindle/Platform/NSMutableString.h>
 #include <Brindle/Platform/NSObject.h>
 #include <Brindle/Platform/NSProxy.h>
+#include <Brindle/Platform/NSString.h>
 #include <Brindle/Platform/Protocol.h>
 #include <Brindle/Platform/Runtime.h>
 
+#include "Platform/Foundation/Internal/Categories.h"
 #include "Platform/Runtime/Internal/Life.h"
 
 namespace brindle {
@@ -21,10 +25,22 @@ constexpr ClassRecord* kClasses[] = {
     &NSBlock::classPair.cls,
     &NSMethodSignature::classPair.cls,
     &NSInvocation::classPair.cls,
+    &NSString::classPair.cls,
+    &NSMutableString::classPair.cls,
+    &NSCharacterSet::classPair.cls,
+};
+
+constexpr const CategoryDefinition* kCategories[] = {
+    &detail::kNSObjectDescriptions,
+    &detail::kNSProxyDescriptions,
+    &detail::kNSStringBytes,
+    &detail::kNSStringFormatting,
+    &detail::kNSStringSearching,
+    &detail::kNSStringTransforming,
 };
 
 [[gnu::constructor]] void attachPlatform() {
-  attachImage({.classes = kClasses});
+  attachImage({.classes = kClasses, .categories = kCategories});
   detail::setPlainDealloc(
       class_getMethodImplementation(NSObject::class_(), selector<"dealloc">()));
 }

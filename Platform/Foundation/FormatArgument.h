@@ -6,6 +6,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -45,6 +46,12 @@ class FormatArgument {
   constexpr FormatArgument(std::nullptr_t) noexcept
       : FormatArgument(static_cast<const void*>(nullptr)) {}
 
+  /// An object or a class, or nil: a reference, lent like everything else.
+  template <class T>
+  requires requires(const T& reference) { reference.record()->isa; }
+  constexpr FormatArgument(const T& reference) noexcept
+      : FormatArgument(object(reference.record())) {}
+
   /// The object at `object`, or nil; whoever formats knows how to ask it for its text.
   static constexpr FormatArgument object(const void* object) noexcept {
     FormatArgument argument(object);
@@ -80,6 +87,12 @@ class FormatArgument {
   Kind kind_;
   Value value_;
   std::size_t size_ = 0;
+};
+
+/// All arguments of a format, as a variadic message carries them.
+struct FormatArguments {
+  using VariadicTailTag = void;
+  std::span<const FormatArgument> list;
 };
 
 }  // namespace brindle

@@ -29,7 +29,7 @@ struct TextRange {
 /// Text that lies somewhere else. Copied freely; valid as long as what it looks at.
 class TextView {
  public:
-  constexpr TextView() noexcept : bytes_() {}
+  constexpr TextView() noexcept : bytes_("") {}
   /// Looks at one byte per unit.
   static constexpr TextView latin1(std::string_view bytes) noexcept { return TextView(bytes); }
   /// Looks at UTF-16 units, in the machine's order.

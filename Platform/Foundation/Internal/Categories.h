@@ -1,0 +1,15 @@
+// The platform's categories on its own classes of the floor below, for the library's list.
+#pragma once
+
+#include <Brindle/Platform/Definition.h>
+
+namespace brindle::detail {
+
+extern const CategoryDefinition kNSObjectDescriptions;
+extern const CategoryDefinition kNSProxyDescriptions;
+extern const CategoryDefinition kNSStringBytes;
+extern const CategoryDefinition kNSStringFormatting;
+extern const CategoryDefinition kNSStringSearching;
+extern const CategoryDefinition kNSStringTransforming;
+
+}  // namespace brindle::detail

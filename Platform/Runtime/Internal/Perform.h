@@ -1,8 +1,11 @@
 // `performSelector:` and its like, for objects and proxies.
 #pragma once
 
+#include <algorithm>
 #include <array>
-#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include <Brindle/Platform/NSObject.h>
 
@@ -21,13 +24,13 @@ id perform(const id& self, SEL selector, const A&... a) {
   ClassRecord* cls = self.record()->isa.load(std::memory_order_acquire);
   MethodRecord* method = lookUpMethod(realized(cls), selector);
   const char* wire = method != nullptr ? method->wire.load(std::memory_order_acquire) : nullptr;
-  const char* expected = wireTypes<id, A...>.c_str();
-  if (wire == nullptr || std::strcmp(wire, expected) == 0) {
+  constexpr std::string_view kExpected = wireTypes<id, A...>.view();
+  if (wire == nullptr || wire == kExpected) {
     return sendSelector<id>(self, selector, a...);
   }
   const NSMethodSignature signature = signatureOfMethod(method);
   SignatureData* data = dataOfSignature(signature);
-  if (data == nullptr || std::strcmp(wire + data->result.wire.size(), expected + 1) != 0) {
+  if (data == nullptr || wire + data->result.wire.size() != kExpected.substr(1)) {
     raise("NSInvalidArgumentException",
           std::string("performSelector: of ") + selector->name + ", which takes other arguments");
   }

@@ -1,6 +1,6 @@
 # Functions for programs and tests.
 
-# Where every test runs: off UTC, off en_US, and loud about what a sanitizer finds.
+# Where every test runs: off UTC, off en_US, and with sanitizers that tell what they found.
 set(BRINDLE_TEST_ENVIRONMENT
   TZ=America/New_York
   LC_ALL=de_DE.UTF-8
@@ -11,6 +11,7 @@ set(BRINDLE_TEST_ENVIRONMENT
 
 # A program over the public headers. It links libBrindle when it includes one of its headers, and
 # only the platform otherwise.
+#   brindle_program(<target> <source>...)
 function(brindle_program target)
   add_executable(${target} ${ARGN})
   set(library BrindlePlatform)
@@ -25,25 +26,31 @@ function(brindle_program target)
   target_link_libraries(${target} PRIVATE ${library} brindle_warnings)
 endfunction()
 
-# Adds a test that runs `command` in the test environment.
-#   brindle_test(<name> LABEL <label> [TIMEOUT <seconds>] COMMAND <command>...)
+# A test that runs a command, in the test environment when it runs our own code.
+#   brindle_test(<name> LABEL <label> [TIMEOUT <seconds>] [SCRIPT] COMMAND <command>...)
 function(brindle_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABEL;TIMEOUT" "COMMAND")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "SCRIPT" "LABEL;TIMEOUT" "COMMAND")
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 300)
   endif()
   add_test(NAME ${name} COMMAND ${arg_COMMAND})
-  set_tests_properties(${name} PROPERTIES
-    LABELS ${arg_LABEL} TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${BRINDLE_TEST_ENVIRONMENT}")
+  set_tests_properties(${name} PROPERTIES LABELS ${arg_LABEL} TIMEOUT ${arg_TIMEOUT})
+  if(NOT arg_SCRIPT)
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${BRINDLE_TEST_ENVIRONMENT}")
+  endif()
 endfunction()
 
 # A GoogleTest program. ctest asks it for its suites when the tests start and runs each suite in a
-# process of its own: two at a time, and no suite leans on another.
-#   brindle_gtest(<target> <source>...)
+# process of its own, so that they run side by side and no suite leans on another.
+#   brindle_gtest(<target> LIBRARY <library> SOURCES <source>...)
 function(brindle_gtest target)
-  add_executable(${target} ${ARGN})
-  target_link_libraries(${target} PRIVATE brindle_headers brindle_warnings GTest::gtest_main)
-  set(BRINDLE_SUITES_TARGET ${target})
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "LIBRARY" "SOURCES")
+  if(NOT arg_SOURCES)
+    return()
+  endif()
+  add_executable(${target} ${arg_SOURCES})
+  target_link_libraries(${target} PRIVATE
+    ${arg_LIBRARY} brindle_headers brindle_warnings GTest::gtest_main)
   set(file ${CMAKE_CURRENT_BINARY_DIR}/${target}_suites)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/TestSuites.cmake.in ${file}.in @ONLY)
   file(GENERATE OUTPUT ${file}.cmake INPUT ${file}.in)

@@ -2,8 +2,10 @@
 #include <Brindle/Platform/Runtime.h>
 
 #include <algorithm>
+#include <exception>
 #include <mutex>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <Brindle/Platform/NSObject.h>
@@ -67,6 +69,17 @@ id put(ObjectRecord* object, Value value) {
   return nullptr;
 }
 
+std::vector<Value> takeAll(ObjectRecord* object) {
+  Stripe& stripe = stripes().of(object);
+  const std::lock_guard guard(stripe.lock);
+  object->flags.fetch_and(~detail::kFlagAssociations, std::memory_order_acq_rel);
+  auto found = stripe.values.find(object);
+  if (found == stripe.values.end()) return {};
+  std::vector<Value> values = std::move(found->second);
+  stripe.values.erase(found);
+  return values;
+}
+
 }  // namespace
 
 void objc_setAssociatedObject(const id& object, const void* key, const id& value,
@@ -102,22 +115,22 @@ id objc_getAssociatedObject(const id& object, const void* key) {
 }
 
 void objc_removeAssociatedObjects(const id& object) {
-  if (object) detail::forgetAssociations(object.record());
+  if (!object) return;
+  std::exception_ptr raised;
+  for (const Value& value : takeAll(object.record())) {
+    try {
+      if (value.owned) detail::release(value.object);
+    } catch (...) {
+      if (!raised) raised = std::current_exception();
+    }
+  }
+  if (raised) std::rethrow_exception(raised);
 }
 
-void detail::forgetAssociations(ObjectRecord* object) {
-  std::vector<Value> values;
-  Stripe& stripe = stripes().of(object);
-  {
-    const std::lock_guard guard(stripe.lock);
-    auto found = stripe.values.find(object);
-    if (found != stripe.values.end()) {
-      values = std::move(found->second);
-      stripe.values.erase(found);
-    }
-    object->flags.fetch_and(~kFlagAssociations, std::memory_order_acq_rel);
+void detail::forgetAssociations(ObjectRecord* object) noexcept {
+  for (const Value& value : takeAll(object)) {
+    if (value.owned) releaseInDestructor(value.object);
   }
-  for (const Value& value : values) owner(value);
 }
 
 }  // namespace brindle

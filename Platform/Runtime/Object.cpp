@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <new>
 #include <vector>
 
@@ -39,9 +40,36 @@ constinit thread_local ThreadEnds ends{};
 
 constinit std::atomic<IMP> plainDealloc{nullptr};
 
-void park(std::exception_ptr raised) {
-  if (ends.parked == nullptr) ends.parked = new std::exception_ptr(std::move(raised));
+/// Keeps the raise until the object that is ending now is done. The first one is told.
+void park() {
+  if (ends.parked == nullptr) ends.parked = new std::exception_ptr(std::current_exception());
 }
+
+/// The stretch in which one object ends: what raises meanwhile is kept, and raised by `finish`.
+class EndScope {
+ public:
+  EndScope() noexcept : outer_(ends.parked) {
+    ends.parked = nullptr;
+    ++ends.depth;
+  }
+  EndScope(const EndScope&) = delete;
+  EndScope& operator=(const EndScope&) = delete;
+
+  void finish() {
+    while (ends.depth == 1 && ends.waiting != nullptr) {
+      const std::unique_ptr<std::vector<ObjectRecord*>> waiting(ends.waiting);
+      ends.waiting = nullptr;
+      for (ObjectRecord* record : *waiting) endObjectInDestructor(record);
+    }
+    const std::unique_ptr<std::exception_ptr> own(ends.parked);
+    ends.parked = outer_;
+    --ends.depth;
+    if (own != nullptr) std::rethrow_exception(*own);
+  }
+
+ private:
+  std::exception_ptr* outer_;
+};
 
 void destroyFields(ObjectRecord* record, const ClassData& birth) {
   for (auto link = birth.fields.rbegin(); link != birth.fields.rend(); ++link) {
@@ -51,34 +79,51 @@ void destroyFields(ObjectRecord* record, const ClassData& birth) {
   }
 }
 
-void endWaiting() {
-  while (ends.waiting != nullptr) {
-    const std::vector<ObjectRecord*> waiting = std::move(*ends.waiting);
-    delete ends.waiting;
-    ends.waiting = nullptr;
-    for (ObjectRecord* record : waiting) endObjectInDestructor(record);
+/// Where extra bytes begin: aligned for everything.
+std::size_t extraOffset(const ClassRecord& cls) {
+  constexpr std::size_t kAlignment = alignof(std::max_align_t);
+  return (cls.instanceSize + kAlignment - 1) / kAlignment * kAlignment;
+}
+
+/// Destroys and frees, inside the object's EndScope.
+void dismantle(ObjectRecord* record) {
+  const ClassData* birth = classOfNumber(record->flags.load() >> kBirthShift);
+  if (birth != nullptr && birth->destructible) destroyFields(record, *birth);
+  // A value's end may associate another one.
+  while ((record->flags.load(std::memory_order_acquire) & kFlagAssociations) != 0) {
+    forgetAssociations(record);
   }
+  std::free(record);  // NOLINT(*-no-malloc)
+}
+
+void dispose(ObjectRecord* record) {
+  const std::uint32_t flags = record->flags.load(std::memory_order_acquire);
+  const ClassData* birth = classOfNumber(flags >> kBirthShift);
+  if ((birth == nullptr || !birth->destructible) && (flags & kFlagAssociations) == 0) {
+    std::free(record);  // NOLINT(*-no-malloc)
+    return;
+  }
+  EndScope scope;
+  dismantle(record);
+  scope.finish();
 }
 
 [[gnu::noinline]] void endWithOwnDealloc(ObjectRecord* record, IMP dealloc, SEL selector) {
+  EndScope scope;
   Ending ending{record, ends.ending, false};
   ends.ending = &ending;
   try {
     callImplementation<void>(dealloc, record, selector);
   } catch (...) {
-    ends.ending = ending.outer;
+    park();
     // The teardown that the raise cut short is not resumed, but the memory is not lost.
-    if (!ending.disposed) disposeObject(record);
-    throw;
+    if (!ending.disposed) dismantle(record);
   }
   ends.ending = ending.outer;
+  scope.finish();
 }
 
 }  // namespace
-
-namespace {
-void dispose(ObjectRecord* record);
-}
 
 void setPlainDealloc(IMP dealloc) noexcept { plainDealloc.store(dealloc); }
 
@@ -96,6 +141,11 @@ ObjectRecord* retainSpecial(ObjectRecord* record) {
 }
 
 void endObject(ObjectRecord* record) {
+  if (ends.depth >= kMaximalDepth) {
+    if (ends.waiting == nullptr) ends.waiting = new std::vector<ObjectRecord*>;
+    ends.waiting->push_back(record);
+    return;
+  }
   static const SEL deallocSelector = sel_registerName("dealloc");
   const std::uint32_t flags = record->flags.load(std::memory_order_acquire);
   if ((flags & kFlagWeak) != 0) clearWeakReferences(record);
@@ -120,56 +170,27 @@ void endObjectInDestructor(ObjectRecord* record) noexcept {
     endObject(record);
     return;
   }
-  if (ends.depth >= kMaximalDepth) {
-    if (ends.waiting == nullptr) ends.waiting = new std::vector<ObjectRecord*>;
-    ends.waiting->push_back(record);
-    return;
-  }
   try {
     endObject(record);
   } catch (...) {
-    park(std::current_exception());
+    park();
   }
 }
-
-namespace {
-
-void dispose(ObjectRecord* record) {
-  const std::uint32_t flags = record->flags.load(std::memory_order_acquire);
-  const ClassData* birth = classOfNumber(flags >> kBirthShift);
-  const bool destructible = birth != nullptr && birth->destructible;
-  if (!destructible && (flags & kFlagAssociations) == 0) {
-    std::free(record);  // NOLINT(*-no-malloc)
-    return;
-  }
-  ++ends.depth;
-  if (destructible) destroyFields(record, *birth);
-  // A value's end may associate another one.
-  while ((record->flags.load(std::memory_order_acquire) & kFlagAssociations) != 0) {
-    forgetAssociations(record);
-  }
-  std::free(record);  // NOLINT(*-no-malloc)
-  if (ends.depth == 1) endWaiting();
-  --ends.depth;
-  if (ends.depth == 0 && ends.parked != nullptr) {
-    const std::exception_ptr raised = *ends.parked;
-    delete ends.parked;
-    ends.parked = nullptr;
-    std::rethrow_exception(raised);
-  }
-}
-
-}  // namespace
 
 void disposeObject(ObjectRecord* record) {
-  if (ends.ending != nullptr && ends.ending->record == record) ends.ending->disposed = true;
-  dispose(record);
+  if (ends.ending != nullptr && ends.ending->record == record) {
+    ends.ending->disposed = true;
+    dismantle(record);
+  } else {
+    dispose(record);
+  }
 }
 
 ObjectRecord* createInstance(ClassRecord* cls, std::size_t extraBytes) {
   const ClassData* data = cls->data.load(std::memory_order_acquire);
   if (data == nullptr) data = realized(cls);
-  const std::size_t size = cls->instanceSize + extraBytes;
+  const std::size_t size =
+      extraBytes > 0 ? extraOffset(*cls) + extraBytes : std::size_t{cls->instanceSize};
   if (size < extraBytes) throw std::bad_alloc();
   void* memory = std::malloc(size);  // NOLINT(*-no-malloc)
   if (memory == nullptr) throw std::bad_alloc();
@@ -217,8 +238,13 @@ BOOL object_isClass(const id& object) {
 
 void* object_getIndexedIvars(const id& object) {
   if (!object) return nullptr;
-  const ClassRecord* cls = object.record()->isa.load(std::memory_order_acquire);
-  return reinterpret_cast<char*>(object.record()) + cls->instanceSize;  // NOLINT
+  if (object_isClass(object) != NO) {
+    return objc_getIndexedIvars(Class(static_cast<ClassRecord*>(object.record())));
+  }
+  const std::uint32_t flags = object.record()->flags.load(std::memory_order_relaxed);
+  const detail::ClassData* birth = detail::classOfNumber(flags >> detail::kBirthShift);
+  if (birth == nullptr) return nullptr;
+  return reinterpret_cast<char*>(object.record()) + detail::extraOffset(*birth->record);  // NOLINT
 }
 
 }  // namespace brindle

@@ -20,8 +20,8 @@ void setPlainDealloc(IMP dealloc) noexcept;
 /// Weak references to the object read nil from now on.
 void clearWeakReferences(ObjectRecord* record);
 
-/// Releases the object's associated values.
-void forgetAssociations(ObjectRecord* record);
+/// Releases the values associated with an object that ends. What their ends raise is parked.
+void forgetAssociations(ObjectRecord* record) noexcept;
 
 /// A heap copy of a block on the stack, owned.
 ObjectRecord* copyStackBlock(ObjectRecord* record);

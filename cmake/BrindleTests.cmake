@@ -51,6 +51,7 @@ function(brindle_gtest target)
   add_executable(${target} ${arg_SOURCES})
   target_link_libraries(${target} PRIVATE
     ${arg_LIBRARY} brindle_headers brindle_warnings GTest::gtest_main)
+  add_dependencies(unit-tests ${target})
   set(file ${CMAKE_CURRENT_BINARY_DIR}/${target}_suites)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/TestSuites.cmake.in ${file}.in @ONLY)
   file(GENERATE OUTPUT ${file}.cmake INPUT ${file}.in)

@@ -1,7 +1,6 @@
-#pragma once
-
 // A format ("%@ has %d") is filled with arguments. Here every argument knows its own type, so that
 // a format that asks for something else, or for more, can do no harm.
+#pragma once
 
 #include <concepts>
 #include <cstddef>

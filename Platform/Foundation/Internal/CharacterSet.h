@@ -1,6 +1,5 @@
-#pragma once
-
 // A set of Unicode characters, as sorted ranges, with a bitmap for the ASCII ones.
+#pragma once
 
 #include <bitset>
 #include <cstddef>

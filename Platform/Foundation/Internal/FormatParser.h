@@ -1,9 +1,8 @@
-#pragma once
-
 // A format is text with conversions: "%", then a position ("2$"), flags ("-+ #0'"), a width, a
 // precision (".3"), a length ("ll") and the conversion's letter. Width and precision may be "*",
 // taken from the arguments. Formats may come from files, so nothing in one is trusted: numbers are
 // bounded, and what is no conversion is text.
+#pragma once
 
 #include <cstddef>
 #include <cstdint>

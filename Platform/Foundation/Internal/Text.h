@@ -1,11 +1,10 @@
-#pragma once
-
 // Text is a sequence of UTF-16 units. Most text needs only units below 256, so such text is kept in
 // one byte per unit (Latin-1, hence also ASCII) and everything else in two. Which storage a text
 // has is never visible in a result: equality, hash and order are those of the units. Surrogates
 // need not be paired.
 //
 // TextView lends text, Text owns it. Neither is for several threads at once while one changes it.
+#pragma once
 
 #include <compare>
 #include <cstddef>

@@ -1,8 +1,7 @@
-#pragma once
-
 // Order and search. Unless `literal` is asked for, canonically equivalent characters are equal: a
 // letter with its accent in one unit is equal to the letter and the accent in two, and a letter
 // alone is not found where an accent follows it.
+#pragma once
 
 #include <optional>
 

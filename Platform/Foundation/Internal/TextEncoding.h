@@ -1,8 +1,7 @@
-#pragma once
-
 // An encoding maps text to bytes. Bytes come from anywhere: whatever is no text in the encoding is
 // refused or replaced by U+FFFD, as the caller asks. Text may hold lone surrogates; an encoding
 // cannot, so they leave as U+FFFD.
+#pragma once
 
 #include <optional>
 #include <string>

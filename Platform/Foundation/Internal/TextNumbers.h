@@ -1,7 +1,6 @@
-#pragma once
-
 // Numbers at the start of text, as people write them in files: after white space, in ASCII digits,
 // with a point for the fraction, whatever the host's language. What follows the number is ignored.
+#pragma once
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,7 @@
-#pragma once
-
 // What the Unicode tables say about text: case, canonical equivalence (one letter with its accent
 // is the same text as the letter followed by the accent), white space, and the order that readers
 // of a language expect. The only unit that asks ICU about text.
+#pragma once
 
 #include <cstddef>
 #include <string>

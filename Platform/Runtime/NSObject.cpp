@@ -68,13 +68,14 @@ constexpr MethodDefinition kMethods[] = {
 
     // Owners.
     method<"retain">([](const NSObject& self) -> id {
-      detail::retained(self.record());
-      return self;
+      // Of a block on the stack, the heap copy that is owned now.
+      return borrow<id>(detail::retained(self.record()));
     }),
     method<"release">([](const NSObject& self) { detail::release(self.record()); }),
     method<"autorelease">([](const NSObject& self) -> id {
-      detail::autoreleaseOwned(detail::retained(self.record()));
-      return self;
+      ObjectRecord* owned = detail::retained(self.record());
+      detail::autoreleaseOwned(owned);
+      return borrow<id>(owned);
     }),
     method<"retainCount">([](const NSObject& self) -> NSUInteger {
       return self.record()->count.load(std::memory_order_relaxed);

@@ -48,13 +48,13 @@ constexpr MethodDefinition kMethods[] = {
 
     method<"dealloc">([](const NSProxy& self) { detail::disposeObject(self.record()); }),
     method<"retain">([](const NSProxy& self) -> id {
-      detail::retained(self.record());
-      return self;
+      return borrow<id>(detail::retained(self.record()));
     }),
     method<"release">([](const NSProxy& self) { detail::release(self.record()); }),
     method<"autorelease">([](const NSProxy& self) -> id {
-      detail::autoreleaseOwned(detail::retained(self.record()));
-      return self;
+      ObjectRecord* owned = detail::retained(self.record());
+      detail::autoreleaseOwned(owned);
+      return borrow<id>(owned);
     }),
     method<"retainCount">([](const NSProxy& self) -> NSUInteger {
       return self.record()->count.load(std::memory_order_relaxed);

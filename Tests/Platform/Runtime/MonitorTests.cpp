@@ -1,0 +1,125 @@
+// Per-object recursive monitors.
+#include <Brindle/Platform/Runtime.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Tests/Platform/Runtime/RuntimeTesting.h"
+
+namespace brindle {
+namespace {
+
+TEST(MonitorTest, Tour) {
+  const NSObject object = NSObject::new_();
+  int total = 0;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 8; ++t) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < 1000; ++i) {
+        const Synchronized inside(object);
+        ++total;
+      }
+    });
+  }
+  for (std::thread& t : threads) t.join();
+  EXPECT_EQ(total, 8000);
+}
+
+TEST(MonitorTest, IsRecursive) {
+  const NSObject object = NSObject::new_();
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(objc_sync_enter(object), OBJC_SYNC_SUCCESS);
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(objc_sync_exit(object), OBJC_SYNC_SUCCESS);
+  EXPECT_EQ(objc_sync_exit(object), OBJC_SYNC_NOT_OWNING_THREAD_ERROR);
+}
+
+TEST(MonitorTest, LeavingWhatOneIsNotInside) {
+  const NSObject object = NSObject::new_();
+  EXPECT_EQ(objc_sync_exit(object), OBJC_SYNC_NOT_OWNING_THREAD_ERROR);
+  EXPECT_EQ(objc_sync_enter(object), OBJC_SYNC_SUCCESS);
+  int other = 1;
+  std::thread([&] { other = objc_sync_exit(object); }).join();
+  EXPECT_EQ(other, OBJC_SYNC_NOT_OWNING_THREAD_ERROR);
+  EXPECT_EQ(objc_sync_exit(object), OBJC_SYNC_SUCCESS) << "the owner is still inside";
+}
+
+TEST(MonitorTest, NilDoesNothing) {
+  EXPECT_EQ(objc_sync_enter(nullptr), OBJC_SYNC_SUCCESS);
+  EXPECT_EQ(objc_sync_exit(nullptr), OBJC_SYNC_SUCCESS);
+  const Synchronized inside{id()};
+}
+
+TEST(MonitorTest, AnotherThreadWaits) {
+  const NSObject object = NSObject::new_();
+  std::mutex lock;
+  std::condition_variable changed;
+  bool started = false;
+  std::atomic<bool> entered{false};
+  objc_sync_enter(object);
+  std::thread other([&] {
+    {
+      const std::lock_guard guard(lock);
+      started = true;
+    }
+    changed.notify_one();
+    const Synchronized inside(object);
+    entered = true;
+  });
+  {
+    std::unique_lock guard(lock);
+    changed.wait(guard, [&] { return started; });
+  }
+  EXPECT_FALSE(entered);
+  objc_sync_exit(object);
+  other.join();
+  EXPECT_TRUE(entered);
+}
+
+TEST(MonitorTest, TwoObjectsNeverShareOne) {
+  // Opposite orders of many pairs would wait for ever if any two shared a lock.
+  std::vector<NSObject> objects;
+  for (int i = 0; i < 300; ++i) objects.push_back(NSObject::new_());
+  for (const NSObject& a : objects) objc_sync_enter(a);
+  std::thread([] {
+    for (int i = 0; i < 300; ++i) {
+      const NSObject own = NSObject::new_();
+      const Synchronized inside(own);
+    }
+  }).join();
+  for (const NSObject& a : objects) EXPECT_EQ(objc_sync_exit(a), OBJC_SYNC_SUCCESS);
+}
+
+TEST(MonitorTest, ClassesAreObjectsToo) {
+  const Synchronized inside{id(NSObject::class_())};
+  int other = 1;
+  std::thread([&] { other = objc_sync_exit(NSObject::class_()); }).join();
+  EXPECT_EQ(other, OBJC_SYNC_NOT_OWNING_THREAD_ERROR);
+}
+
+TEST(MonitorTest, IsLeftWhenAnExceptionPasses) {
+  const NSObject object = NSObject::new_();
+  EXPECT_EQ(raised([&] {
+              const Synchronized inside(object);
+              throw std::runtime_error("out");
+            }),
+            "out");
+  EXPECT_EQ(objc_sync_exit(object), OBJC_SYNC_NOT_OWNING_THREAD_ERROR);
+}
+
+TEST(MonitorTest, TheScopeKeepsItsObject) {
+  Mortal object = Mortal::new_();
+  {
+    const Synchronized inside{id(object)};
+    object = nullptr;
+    EXPECT_EQ(Mortal::living(), 1);
+  }
+  EXPECT_EQ(Mortal::living(), 0);
+}
+
+}  // namespace
+}  // namespace brindle

@@ -8,6 +8,7 @@
 #include <Brindle/Platform/NSMutableString.h>
 #include <Brindle/Platform/NSObject.h>
 #include <Brindle/Platform/NSProxy.h>
+#include <Brindle/Platform/NSScanner.h>
 #include <Brindle/Platform/NSString.h>
 #include <Brindle/Platform/Protocol.h>
 #include <Brindle/Platform/Runtime.h>
@@ -28,6 +29,7 @@ constexpr ClassRecord* kClasses[] = {
     &NSString::classPair.cls,
     &NSMutableString::classPair.cls,
     &NSCharacterSet::classPair.cls,
+    &NSScanner::classPair.cls,
 };
 
 constexpr const CategoryDefinition* kCategories[] = {

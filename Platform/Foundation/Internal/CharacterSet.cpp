@@ -167,14 +167,19 @@ std::optional<TextRange> CharacterSet::find(TextView text, bool backwards, bool 
   return std::nullopt;
 }
 
-TextRange CharacterSet::trimmed(TextView text) const {
-  std::size_t start = 0;
-  std::size_t end = text.size();
-  while (start < end) {
-    const Character character = characterAt(text, start);
+std::size_t CharacterSet::span(TextView text) const {
+  std::size_t end = 0;
+  while (end < text.size()) {
+    const Character character = characterAt(text, end);
     if (!contains(character.value)) break;
-    start += character.size;
+    end += character.size;
   }
+  return end;
+}
+
+TextRange CharacterSet::trimmed(TextView text) const {
+  const std::size_t start = span(text);
+  std::size_t end = text.size();
   while (end > start) {
     const Character character = characterBefore(text, end);
     if (!contains(character.value)) break;

@@ -54,6 +54,8 @@ class CharacterSet {
   /// The first, or the last, character of the text that is in the set; with `anchored` only the one
   /// at the very start or end.
   [[nodiscard]] std::optional<TextRange> find(TextView text, bool backwards, bool anchored) const;
+  /// How many units at the start of the text belong to members.
+  [[nodiscard]] std::size_t span(TextView text) const;
   /// The part of the text without the members at both ends.
   [[nodiscard]] TextRange trimmed(TextView text) const;
 

@@ -17,6 +17,7 @@ TEST(CharacterSetTest, Tour) {
   EXPECT_FALSE(digits.contains('a'));
   EXPECT_EQ(digits.find(TextView::latin1("ab12"), false, false), (TextRange{2, 1}));
   EXPECT_EQ(digits.find(TextView::latin1("ab12"), true, false), (TextRange{3, 1}));
+  EXPECT_EQ(digits.span(TextView::latin1("12ab3")), 2u);
   EXPECT_EQ(digits.trimmed(TextView::latin1("12ab3c45")), (TextRange{2, 4}));
   EXPECT_TRUE(CharacterSet::of(CharacterClass::decimalDigit).isSupersetOf(digits));
 }

@@ -6,5 +6,5 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 change=(-i)
 [ "${1:-}" != --check ] || change=(--dry-run -Werror)
-find Platform Source Tests Tools Examples Benchmarks Fuzz -name '*.h' -o -name '*.cpp' |
-  xargs -r -n 16 -P "$(nproc)" clang-format-14 "${change[@]}"
+find Platform Source Tests Tools Examples Benchmarks Fuzz '(' -name '*.h' -o -name '*.cpp' ')' -print0 |
+  xargs -0 -r -n 16 -P "$(nproc)" clang-format-14 "${change[@]}"

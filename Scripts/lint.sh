@@ -27,4 +27,4 @@ xargs -r -n 1 -P "$(nproc)" bash -c '
 ' lint < "$work/files" && status=0 || status=1
 touch "$work/done"
 echo "Lint: $(wc -l < "$work/done") of $(wc -l < "$work/files") sources looked at."
-exit $status
+exit "$status"

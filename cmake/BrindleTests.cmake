@@ -1,7 +1,10 @@
 # Functions for programs and tests.
 
-# Where every test runs: off UTC, off en_US, and with sanitizers that tell what they found.
+# Where every test runs: off UTC, off en_US, and with sanitizers that tell what they found. A test
+# that reads a file of the tree finds it from BRINDLE_SOURCE_DIR (the compiler's __FILE__ may be
+# relative).
 set(BRINDLE_TEST_ENVIRONMENT
+  BRINDLE_SOURCE_DIR=${PROJECT_SOURCE_DIR}
   TZ=America/New_York
   LC_ALL=de_DE.UTF-8
   LANG=de_DE.UTF-8

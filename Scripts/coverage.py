@@ -14,11 +14,9 @@ for path in counters:
     report = subprocess.run(["gcov", "--json-format", "--stdout", path],
                             capture_output=True, text=True, cwd=os.path.dirname(path)).stdout
     for text in report.splitlines():
-        document = json.loads(text)
-        folder = document["current_working_directory"]
-        for file in document["files"]:
+        for file in json.loads(text)["files"]:
             # Headers are reached by links in the build folder: count them where they really are.
-            name = os.path.realpath(os.path.join(folder, file["file"]))
+            name = os.path.realpath(os.path.join(root, "build/coverage", file["file"]))
             name = os.path.relpath(name, root)
             if name.startswith(("Platform/", "Source/")) and pattern in name:
                 counts = lines[name]

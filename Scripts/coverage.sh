@@ -6,4 +6,4 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 find build/coverage -name '*.gcda' -delete 2>/dev/null || true
 Scripts/test.sh coverage
-find build/coverage -name '*.gcda' -print0 | python3 Scripts/coverage.py "$PWD" "${1:-}"
+find "$PWD/build/coverage" -name '*.gcda' -print0 | python3 Scripts/coverage.py "$PWD" "${1:-}"

@@ -318,7 +318,7 @@ std::size_t class_getInstanceSize(Class cls) {
 }
 
 void* objc_getIndexedIvars(Class cls) {
-  if (!cls || cls.record()->definition != nullptr || cls.record()->isMeta) return nullptr;
+  if (!cls || realized(cls.record())->extraBytes == 0) return nullptr;
   return cls.record() + 2;
 }
 

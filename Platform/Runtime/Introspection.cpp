@@ -62,7 +62,10 @@ BOOL class_addIvar(Class cls, const char* name, std::size_t size, std::uint8_t a
   const std::lock_guard guard(detail::runtimeLock());
   ClassRecord* record = cls.record();
   ClassData* data = realizedLocked(record);
-  if (data->registered || named(data->variables, name) != nullptr) return NO;
+  // A subclass's variables lie behind these.
+  if (data->registered || !data->subclasses.empty() || named(data->variables, name) != nullptr) {
+    return NO;
+  }
   const std::uint32_t align = 1U << alignment;
   const std::uint32_t offset = (record->instanceSize + align - 1) / align * align;
   record->instanceSize = offset + static_cast<std::uint32_t>(size);

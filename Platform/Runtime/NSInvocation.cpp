@@ -1,7 +1,9 @@
 #include <Brindle/Platform/NSInvocation.h>
 
 #include <array>
+#include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include <Brindle/Platform/Definition.h>
@@ -20,13 +22,19 @@ constexpr std::size_t kInlineFrame = 64;
 constexpr std::size_t kInlineResult = 32;
 constexpr std::size_t kInlineArguments = 8;
 
+/// What an invocation that retains its arguments owns for one of them.
+struct Kept {
+  id object;
+  std::unique_ptr<char[]> text;
+};
+
 /// The values of a message. Small frames lie in the object, larger ones on the heap.
 class Fields {
  public:
   Fields() = default;
   Fields(const Fields&) = delete;
   Fields& operator=(const Fields&) = delete;
-  ~Fields() { dropResult(); }
+  ~Fields() { takeResult(); }
 
   void setSignature(SignatureData* data) {
     data_ = data;
@@ -44,18 +52,15 @@ class Fields {
   [[nodiscard]] void* result() { return heapResult_ ? heapResult_.get() : result_.data(); }
   [[nodiscard]] bool answersObject() const { return data_ != nullptr && data_->result.wire == "@"; }
 
-  /// An object result is owned.
-  void dropResult() {
-    if (!answersObject()) return;
+  /// The object result, which is owned, given up; nil when there is none.
+  id takeResult() {
+    if (!answersObject()) return nullptr;
     auto& slot = *static_cast<ObjectRecord**>(result());
-    const id old(Adopt{}, slot);
-    slot = nullptr;
+    return id(Adopt{}, std::exchange(slot, nullptr));
   }
 
   NSMethodSignature signature;
-  bool retained = false;
-  std::vector<id> kept;
-  std::vector<std::string> keptText;
+  std::unique_ptr<Kept[]> kept;  // one for each argument, once they are retained
 
  private:
   SignatureData* data_ = nullptr;
@@ -74,26 +79,42 @@ void checkIndex(const Fields& f, NSUInteger index) {
                     std::to_string(f.data().arguments.size() - 1));
 }
 
-/// Keeps what one argument points to, from now on.
+bool isText(const std::string& encoding) {
+  return encoding.back() == '*' && encoding.find('^') == std::string::npos;
+}
+
+/// Keeps what one argument points to, in place of what was kept for it before.
 void keepArgument(Fields& f, std::size_t index) {
   const detail::TypeData& type = f.data().arguments[index];
+  Kept& kept = f.kept[index];
   if (type.wire == "@") {
-    f.kept.push_back(borrow<id>(f.object(index)));
-    f.object(index) = f.kept.back().record();  // a stack block became a heap block
-  } else if (type.encoding == "*" || type.encoding == "r*") {
+    id object = borrow<id>(f.object(index));
+    f.object(index) = object.record();  // a stack block became a heap block
+    kept.object = std::move(object);
+  } else if (isText(type.encoding)) {
     auto& text = *static_cast<const char**>(f.argument(index));
-    if (text == nullptr) return;
-    f.keptText.emplace_back(text);
-    text = f.keptText.back().c_str();
+    std::unique_ptr<char[]> copy;
+    if (text != nullptr) {
+      const std::size_t size = std::strlen(text) + 1;
+      copy = std::make_unique<char[]>(size);
+      text = static_cast<char*>(std::memcpy(copy.get(), text, size));
+    }
+    kept.text = std::move(copy);
   }
+}
+
+void setArgument(Fields& f, const void* bytes, std::size_t index) {
+  std::memcpy(f.argument(index), bytes, f.data().arguments[index].size);
+  if (f.kept) keepArgument(f, index);
 }
 
 void invoke(const NSInvocation& self) {
   Fields& f = fields(self);
-  f.dropResult();
   ObjectRecord* target = f.object(0);
   if (target == nullptr) {
+    id old = f.takeResult();
     std::memset(f.result(), 0, f.data().result.size);
+    old = nullptr;
     return;
   }
   // The target stays alive, and so does this frame, whatever the method releases.
@@ -109,7 +130,15 @@ void invoke(const NSInvocation& self) {
     arguments = many.data();
   }
   for (std::size_t i = 0; i < count; ++i) arguments[i] = f.argument(i);
-  detail::sendFrame(target, selector, f.data(), arguments, f.result());
+  if (!f.answersObject()) {
+    detail::sendFrame(target, selector, f.data(), arguments, f.result());
+    return;
+  }
+  ObjectRecord* answer = nullptr;
+  detail::sendFrame(target, selector, f.data(), arguments, &answer);
+  id old = f.takeResult();
+  *static_cast<ObjectRecord**>(f.result()) = answer;
+  old = nullptr;
 }
 
 constexpr MethodDefinition kMethods[] = {
@@ -128,9 +157,8 @@ constexpr MethodDefinition kMethods[] = {
     method<"methodSignature">([](const NSInvocation& self) { return fields(self).signature; }),
     method<"target">([](const NSInvocation& self) { return borrow<id>(fields(self).object(0)); }),
     method<"setTarget:">([](const NSInvocation& self, const id& target) {
-      Fields& f = fields(self);
-      if (f.retained) f.kept.push_back(target);
-      f.object(0) = target.record();
+      ObjectRecord* record = target.record();
+      setArgument(fields(self), &record, 0);
     }),
     method<"selector">([](const NSInvocation& self) -> SEL {
       return *static_cast<SEL*>(fields(self).argument(1));
@@ -141,8 +169,7 @@ constexpr MethodDefinition kMethods[] = {
     method<"setArgument:atIndex:">([](const NSInvocation& self, void* bytes, NSUInteger index) {
       Fields& f = fields(self);
       checkIndex(f, index);
-      std::memcpy(f.argument(index), bytes, f.data().arguments[index].size);
-      if (f.retained) keepArgument(f, index);
+      setArgument(f, bytes, index);
     }),
     method<"getArgument:atIndex:">([](const NSInvocation& self, void* bytes, NSUInteger index) {
       Fields& f = fields(self);
@@ -153,8 +180,9 @@ constexpr MethodDefinition kMethods[] = {
       Fields& f = fields(self);
       if (f.answersObject()) {
         ObjectRecord* object = detail::retained(*static_cast<ObjectRecord**>(bytes));
-        f.dropResult();
+        id old = f.takeResult();
         *static_cast<ObjectRecord**>(f.result()) = object;
+        old = nullptr;
       } else {
         std::memcpy(f.result(), bytes, f.data().result.size);
       }
@@ -165,11 +193,11 @@ constexpr MethodDefinition kMethods[] = {
     }),
     method<"retainArguments">([](const NSInvocation& self) {
       Fields& f = fields(self);
-      if (f.retained) return;
-      f.retained = true;
+      if (f.kept) return;
+      f.kept = std::make_unique<Kept[]>(f.data().arguments.size());
       for (std::size_t i = 0; i < f.data().arguments.size(); ++i) keepArgument(f, i);
     }),
-    method<"argumentsRetained">([](const NSInvocation& self) { return fields(self).retained; }),
+    method<"argumentsRetained">([](const NSInvocation& self) { return fields(self).kept != nullptr; }),
     method<"invoke">([](const NSInvocation& self) { invoke(self); }),
     method<"invokeWithTarget:">([](const NSInvocation& self, const id& target) {
       self->setTarget(target);

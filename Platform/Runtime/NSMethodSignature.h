@@ -22,12 +22,12 @@ class NSMethodSignature : public Interface<NSMethodSignature, NSObject> {
 
   /// Receiver and selector included.
   NSUInteger numberOfArguments() const { return send<"numberOfArguments", NSUInteger>(*this); }
-  /// The encoding of one argument, without offset. Raises NSInvalidArgumentException when the index
+  /// The encoding of one argument, qualifiers included, without offset. Raises NSInvalidArgumentException when the index
   /// is too large. 0 is the receiver, 1 the selector.
   const char* getArgumentTypeAtIndex(NSUInteger index) const {
     return send<"getArgumentTypeAtIndex:", const char*>(*this, index);
   }
-  /// The result's encoding, without qualifiers' offsets.
+  /// The result's encoding, in the same form.
   const char* methodReturnType() const { return send<"methodReturnType", const char*>(*this); }
   /// Bytes of the result; 0 for void.
   NSUInteger methodReturnLength() const { return send<"methodReturnLength", NSUInteger>(*this); }

@@ -40,7 +40,8 @@ BRINDLE_PLATFORM_EXPORT Class objc_allocateClassPair(Class superclass, const cha
 /// Makes the class findable by name. A name taken meanwhile keeps its first owner.
 BRINDLE_PLATFORM_EXPORT void objc_registerClassPair(Class cls);
 /// Adds a zeroed variable of `size` bytes, aligned to 2 to the power of `alignment`, to a class that
-/// is not registered yet. NO when it is, when the class already has the name, or for a meta-class.
+/// is not registered yet. NO when it is, when it has subclasses or the name already, or for a
+/// meta-class.
 BRINDLE_PLATFORM_EXPORT BOOL class_addIvar(Class cls, const char* name, std::size_t size,
                                            std::uint8_t alignment, const char* types);
 

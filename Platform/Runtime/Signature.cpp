@@ -23,8 +23,8 @@ class EncodingReader {
   [[nodiscard]] bool atEnd() const { return *p_ == '\0'; }
 
   bool readType(TypeData& type) {
-    skipQualifiers();
     const char* begin = p_;
+    skipQualifiers();
     if (!readOne(type, 0)) return false;
     type.encoding.assign(begin, p_);
     return true;
@@ -82,7 +82,8 @@ class EncodingReader {
   bool readPointer(TypeData& type, int depth) {
     skipQualifiers();
     const bool object = *p_ == '@' && p_[1] != '?';
-    if (*p_ == '(' || *p_ == '[' || *p_ == 'b') {
+    // What lies behind a pointer does not matter, and may be a type that cannot travel itself.
+    if (*p_ == '{' || *p_ == '(' || *p_ == '[' || *p_ == 'b') {
       if (!skipBracketed()) return false;
     } else {
       TypeData pointee;

@@ -18,7 +18,7 @@ using namespace brindle::internal;
 
 namespace {
 
-Text describe(const void*) { return Text(TextView::utf16(u"\u4E2D\U0001F600")); }
+void describe(Text& target, const void*) { target.append(TextView::utf16(u"\u4E2D\U0001F600")); }
 
 }  // namespace
 

@@ -3,10 +3,7 @@
 #include <utility>
 
 #include <Brindle/Platform/Definition.h>
-#if __has_include(<Brindle/Platform/NSCopying.h>)
 #include <Brindle/Platform/NSCopying.h>
-#define HAVE_COPYING 1
-#endif
 
 #include "Platform/Foundation/Internal/CharacterSetAccess.h"
 #include "Platform/Foundation/Internal/StringAccess.h"
@@ -86,11 +83,7 @@ constexpr MethodDefinition kMethods[] = {
     method<"copyWithZone:">([](const NSCharacterSet& self, NSZone*) { return self; }),
 };
 
-#ifdef HAVE_COPYING
 constexpr ProtocolRecord* kProtocols[] = {&kNSCopying};
-#else
-constexpr std::span<ProtocolRecord* const> kProtocols;
-#endif
 
 constexpr ClassDefinition kDefinition{.name = "NSCharacterSet",
                                       .methods = kMethods,

@@ -5,10 +5,7 @@
 #include <new>
 
 #include <Brindle/Platform/Definition.h>
-#if __has_include(<Brindle/Platform/NSCopying.h>)
 #include <Brindle/Platform/NSCopying.h>
-#define HAVE_COPYING 1
-#endif
 #include <Brindle/Platform/NSMutableString.h>
 #include <Brindle/Platform/Runtime.h>
 
@@ -144,6 +141,10 @@ constexpr MethodDefinition kMethods[] = {
     }),
 
     method<"isEqual:">([](const NSString& self, const id& other) {
+      if (!other) return false;
+      if (detail::isLibraryString(other.record())) {
+        return areEqual(self, static_cast<const NSString&>(other));
+      }
       return self == other || areEqual(self, dynCast<NSString>(other));
     }),
     method<"isEqualToString:">(
@@ -156,11 +157,7 @@ constexpr MethodDefinition kMethods[] = {
     }),
 };
 
-#ifdef HAVE_COPYING
 constexpr ProtocolRecord* kProtocols[] = {&kNSCopying, &kNSMutableCopying};
-#else
-constexpr std::span<ProtocolRecord* const> kProtocols;
-#endif
 
 constexpr ClassDefinition kDefinition{.name = "NSString",
                                       .methods = kMethods,
@@ -175,7 +172,9 @@ NSString::operator std::string() const { return internal::utf8FromText(detail::S
 
 std::ostream& operator<<(std::ostream& stream, const id& object) {
   if (!object) return stream << "(null)";
-  return stream << internal::utf8FromText(detail::describeObject(object.record()));
+  Text text;
+  detail::describeObject(text, object.record());
+  return stream << internal::utf8FromText(text);
 }
 
 namespace detail {
@@ -242,6 +241,8 @@ void setText(const NSString& string, TextView text) {
 }
 
 ObjectRecord* stringFromUtf8(const char* bytes, std::size_t size) {
+  const TextView ascii = TextView::latin1({bytes, size});
+  if (ascii.isAscii()) return makeString(ascii).leak();
   return makeString(internal::textFromUtf8Replacing({bytes, size})).leak();
 }
 

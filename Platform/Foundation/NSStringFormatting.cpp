@@ -71,13 +71,12 @@ NSString formatString(const NSString& format, std::span<const FormatArgument> ar
   return makeString(filled(format, {arguments}));
 }
 
-Text describeObject(const void* object) {
+void describeObject(Text& target, const void* object) {
   // Lent by the caller for as long as this takes.
   auto* record = static_cast<ObjectRecord*>(const_cast<void*>(object));  // NOLINT
   const Lent<id> lent(record);
   const auto description = send<"description", NSString>(lent.reference);
-  if (!description) return Text(TextView::latin1("(null)"));
-  return Text(StringText(description).view());
+  target.append(description ? StringText(description).view() : TextView::latin1("(null)"));
 }
 
 }  // namespace detail

@@ -1,10 +1,7 @@
 // Comparing strings and finding one in another.
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/NSCharacterSet.h>
-#if __has_include(<Brindle/Platform/NSLocale.h>)
 #include <Brindle/Platform/NSLocale.h>
-#define HAVE_LOCALE 1
-#endif
 #include <Brindle/Platform/NSString.h>
 
 #include "Platform/Foundation/Internal/Categories.h"
@@ -30,11 +27,7 @@ NSRange found(std::optional<TextRange> match, NSUInteger offset) {
 }
 
 std::string userLanguage() {
-#ifdef HAVE_LOCALE
   return std::string(NSLocale::currentLocale()->localeIdentifier());
-#else
-  return "";
-#endif
 }
 
 NSComparisonResult compareLocalized(const NSString& self, const NSString& other,

@@ -45,8 +45,8 @@ internal::TextView textIn(const StringContents& contents) noexcept;
 bool isKindOfMutableString(ObjectRecord* record) noexcept;
 void setMutableText(const NSString& string, internal::TextView text);
 
-/// The text of any object: its description, "(null)" where that is nil.
-internal::Text describeObject(const void* object);
+/// Appends the text of any object: its description, "(null)" where that is nil.
+void describeObject(internal::Text& target, const void* object);
 
 [[noreturn]] void raiseForString(const char* name, const id& self, SEL selector,
                                  const std::string& what);

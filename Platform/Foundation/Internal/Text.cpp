@@ -148,6 +148,15 @@ void Text::reserve(std::size_t count) {
   std::visit([count](auto& storage) { storage.reserve(count); }, storage_);
 }
 
+void Text::append(TextView text) {
+  auto* bytes = std::get_if<std::string>(&storage_);
+  if (bytes != nullptr && text.isNarrow()) {
+    bytes->append(text.bytes());
+  } else {
+    replace({size(), 0}, text);
+  }
+}
+
 void Text::append(char16_t unit) { append(1, unit); }
 
 void Text::append(std::size_t count, char16_t unit) {

@@ -116,7 +116,7 @@ class Text {
 
   /// Makes room for `count` units of the present width.
   void reserve(std::size_t count);
-  void append(TextView text) { replace({size(), 0}, text); }
+  void append(TextView text);
   void append(char16_t unit);
   /// Appends `unit` `count` times.
   void append(std::size_t count, char16_t unit);

@@ -13,6 +13,7 @@ namespace brindle::internal {
 namespace {
 
 constexpr std::size_t kNone = std::u16string_view::npos;
+constexpr char16_t kFirstNonAscii = 0x80;
 
 TextFolding foldingFor(TextOptions options) noexcept {
   return {!options.literal, options.caseInsensitive,
@@ -127,7 +128,7 @@ class FoldedSearch {
   [[nodiscard]] bool isHopeless() const noexcept { return needle_.empty(); }
 
   std::optional<TextRange> first() {
-    for (std::size_t at = 0; at < text_.size(); at = foldingPieceEnd(text_, at, folding_)) {
+    for (std::size_t at = 0; at < text_.size(); at = pieceEnd(at)) {
       if (const std::size_t end = matchEnd(at); end != kNone) return TextRange{at, end - at};
     }
     return std::nullopt;
@@ -151,23 +152,35 @@ class FoldedSearch {
   // Where the match that begins with the piece at `position` ends.
   std::size_t matchEnd(std::size_t position) {
     if (position >= text_.size() || isMismatch(text_[position])) return kNone;
-    folded_.clear();
-    while (position < text_.size() && folded_.size() < needle_.size()) {
-      const std::size_t compared = folded_.size();
-      const std::size_t end = foldingPieceEnd(text_, position, folding_);
-      appendFolded(folded_, text_.sub(position, end - position), folding_);
-      position = end;
-      if (folded_.size() > needle_.size() ||
-          folded_.compare(compared, kNone, needle_, compared, folded_.size() - compared) != 0) {
-        return kNone;
+    std::size_t matched = 0;
+    while (position < text_.size() && matched < needle_.size()) {
+      const std::size_t end = pieceEnd(position);
+      if (end == position + 1 && text_[position] < kFirstNonAscii) {
+        if (foldedAscii(text_[position]) != needle_[matched]) return kNone;
+        ++matched;
+      } else {
+        folded_.clear();
+        appendFolded(folded_, text_.sub(position, end - position), folding_);
+        if (needle_.compare(matched, folded_.size(), folded_) != 0) return kNone;
+        matched += folded_.size();
       }
+      position = end;
     }
-    return folded_.size() == needle_.size() ? position : kNone;
+    return matched == needle_.size() ? position : kNone;
+  }
+
+  // Narrow text has no marks.
+  [[nodiscard]] std::size_t pieceEnd(std::size_t position) const {
+    return text_.isNarrow() ? position + 1 : foldingPieceEnd(text_, position, folding_);
+  }
+
+  [[nodiscard]] char16_t foldedAscii(char16_t unit) const noexcept {
+    return folding_.caseInsensitive ? asciiLower(unit) : unit;
   }
 
   // Most positions are settled by one ASCII unit, whatever follows it.
   [[nodiscard]] bool isMismatch(char16_t unit) const noexcept {
-    return unit < 0x80 && (folding_.caseInsensitive ? asciiLower(unit) : unit) != needle_[0];
+    return unit < kFirstNonAscii && foldedAscii(unit) != needle_[0];
   }
 
   TextView text_;

@@ -112,17 +112,20 @@ void appendPadded(Text& target, TextView text, const Job& job) {
 
 // Sign or prefix, zeros, digits.
 void appendNumber(Text& target, std::string_view prefix, std::string_view digits, const Job& job) {
+  std::size_t size = prefix.size() + digits.size();
   std::size_t zeros = 0;
-  const std::size_t size = prefix.size() + digits.size();
   if (job.precision) {
     zeros = *job.precision > digits.size() ? *job.precision - digits.size() : 0;
   } else if (job.spec.zero && !job.spec.leftAligned && job.width > size) {
     zeros = job.width - size;
   }
-  std::string number;
-  number.reserve(size + zeros);
-  number.append(prefix).append(zeros, '0').append(digits);
-  appendPadded(target, TextView::latin1(number), job);
+  size += zeros;
+  const std::size_t fill = job.width > size ? job.width - size : 0;
+  if (!job.spec.leftAligned) target.append(fill, u' ');
+  target.append(TextView::latin1(prefix));
+  target.append(zeros, u'0');
+  target.append(TextView::latin1(digits));
+  if (job.spec.leftAligned) target.append(fill, u' ');
 }
 
 void appendInteger(Text& target, const Job& job) {
@@ -234,6 +237,8 @@ void appendBytes(Text& target, const Job& job) {
   if (job.precision && *job.precision <= size) {
     string = withoutCutCharacter(string.substr(0, *job.precision));
   }
+  const TextView ascii = TextView::latin1(string);
+  if (ascii.isAscii()) return appendPadded(target, ascii, job);
   appendPadded(target, textFromUtf8Replacing(string), job);
 }
 
@@ -265,7 +270,9 @@ void appendText(Text& target, Job job, DescribeObject describe) {
         return appendPadded(target, cut(kNull, job.precision), job);
       }
       if (argument.kind() == Kind::pointer) return appendPointer(target, job);
-      const Text text = describe(argument.pointer());
+      if (job.width == 0 && !job.precision) return describe(target, argument.pointer());
+      Text text;
+      describe(text, argument.pointer());
       return appendPadded(target, cut(text, job.precision), job);
   }
 }
@@ -326,6 +333,7 @@ Job jobFor(const FormatSpecification& spec, std::span<const FormatArgument> argu
 Text formatText(TextView format, std::span<const FormatArgument> arguments,
                 DescribeObject describe) {
   Text result;
+  result.reserve(format.size() + 16);
   FormatParser parser(format);
   for (;;) {
     switch (parser.next()) {

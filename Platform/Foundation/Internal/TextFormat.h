@@ -13,8 +13,8 @@
 
 namespace brindle::internal {
 
-/// Answers the text of an object that is not nil.
-using DescribeObject = Text (*)(const void* object);
+/// Appends the text of an object that is not nil.
+using DescribeObject = void (*)(Text& target, const void* object);
 
 /// The filled format. Nil and null strings print as "(null)".
 Text formatText(TextView format, std::span<const FormatArgument> arguments,

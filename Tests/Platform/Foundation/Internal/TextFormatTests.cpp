@@ -17,8 +17,8 @@ namespace brindle::internal {
 namespace {
 
 // Objects of these tests are C strings.
-Text describe(const void* object) {
-  return textFromUtf8Replacing(static_cast<const char*>(object));
+void describe(Text& target, const void* object) {
+  target.append(textFromUtf8Replacing(static_cast<const char*>(object)));
 }
 
 std::string format(std::string_view pattern, std::initializer_list<FormatArgument> arguments) {

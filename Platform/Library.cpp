@@ -3,6 +3,11 @@
 #include <Brindle/Platform/Block.h>
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/NSCharacterSet.h>
+#include <Brindle/Platform/NSDate.h>
+#include <Brindle/Platform/NSTimeZone.h>
+#include <Brindle/Platform/NSLocale.h>
+#include <Brindle/Platform/NSDateComponents.h>
+#include <Brindle/Platform/NSCalendar.h>
 #include <Brindle/Platform/NSInvocation.h>
 #include <Brindle/Platform/NSMethodSignature.h>
 #include <Brindle/Platform/NSMutableString.h>
@@ -29,6 +34,11 @@ constexpr ClassRecord* kClasses[] = {
     &NSString::classPair.cls,
     &NSMutableString::classPair.cls,
     &NSCharacterSet::classPair.cls,
+    &NSDate::classPair.cls,
+    &NSTimeZone::classPair.cls,
+    &NSLocale::classPair.cls,
+    &NSDateComponents::classPair.cls,
+    &NSCalendar::classPair.cls,
     &NSScanner::classPair.cls,
 };
 

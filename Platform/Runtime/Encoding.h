@@ -32,8 +32,12 @@ namespace detail {
 template <class T>
 struct TypeTraits;
 
+// A pointee may be a type that is only declared, and of such a type nothing can be asked.
 template <class T>
-concept DescribedStruct = std::is_class_v<T> && !Reference<T> && requires {
+concept CompleteClass = std::is_class_v<T> && requires { sizeof(T); };
+
+template <class T>
+concept DescribedStruct = CompleteClass<T> && !Reference<T> && requires {
   StructEncoding<T>::encoding;
 };
 
@@ -151,9 +155,12 @@ struct TypeTraits<std::nullptr_t> {
   static constexpr std::size_t frameSize = 8;
 };
 
-// A pointee may be a type that is only declared.
 template <class T>
-concept ReferencePointee = std::is_class_v<T> && requires { sizeof(T); } && Reference<T>;
+concept ReferencePointee = CompleteClass<T> && Reference<T>;
+
+/// What an out-slot points to. A pointer to constant references is a plain one: objects lent in a row.
+template <class T>
+concept SlotPointee = ReferencePointee<T> && !std::is_const_v<T>;
 
 /// The typed tail of a variadic message. It travels by address and has no place in encodings.
 template <class T>
@@ -178,7 +185,8 @@ constexpr auto pointerEncoding() {
   } else if constexpr (std::is_function_v<T>) {
     return FixedString("^?");
   } else if constexpr (ReferencePointee<Pointee>) {
-    return FixedString("^@");
+    if constexpr (std::is_const_v<T>) return FixedString("r^@");
+    else return FixedString("^@");
   } else if constexpr (std::is_class_v<Pointee> && !DescribedStruct<Pointee>) {
     return FixedString("^v");
   } else if constexpr (std::is_const_v<T>) {
@@ -189,7 +197,7 @@ constexpr auto pointerEncoding() {
 }
 
 template <class T>
-  requires(!ReferencePointee<T>)
+  requires(!SlotPointee<T>)
 struct TypeTraits<T*> {
   using Wire = void*;
   static constexpr auto encoding = pointerEncoding<T>();
@@ -199,7 +207,7 @@ struct TypeTraits<T*> {
 
 /// An out-slot: where a method stores an object for its caller.
 template <class T>
-  requires(ReferencePointee<T>)
+  requires(SlotPointee<T>)
 struct TypeTraits<T*> {
   using Wire = ObjectRecord**;
   static constexpr FixedString encoding{"^@"};

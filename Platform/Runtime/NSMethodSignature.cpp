@@ -81,10 +81,12 @@ NSMethodSignature signatureObject(const char* types) {
   if (known != nullptr) return NSMethodSignature(Adopt{}, known);
   NSMethodSignature made = NSMethodSignature::alloc();
   fieldsOf<Fields>(made).data = data;
+  // Immortal before anybody finds it: whoever does counts nothing.
+  made.record()->count.store(kCountImmortal, std::memory_order_relaxed);
   if (data->object.compare_exchange_strong(known, made.record(), std::memory_order_acq_rel)) {
-    made.record()->count.store(kCountImmortal, std::memory_order_relaxed);
     return made;
   }
+  made.record()->count.store(1, std::memory_order_relaxed);
   return NSMethodSignature(Adopt{}, known);
 }
 

@@ -2,19 +2,36 @@
 // categories. A class that is missing here works, but is not found by name before its first use.
 #include <Brindle/Platform/Block.h>
 #include <Brindle/Platform/Definition.h>
-#include <Brindle/Platform/NSCharacterSet.h>
-#include <Brindle/Platform/NSDate.h>
-#include <Brindle/Platform/NSTimeZone.h>
-#include <Brindle/Platform/NSLocale.h>
-#include <Brindle/Platform/NSDateComponents.h>
+#include <Brindle/Platform/NSArray.h>
+#include <Brindle/Platform/NSAssertionHandler.h>
+#include <Brindle/Platform/NSAutoreleasePool.h>
 #include <Brindle/Platform/NSCalendar.h>
+#include <Brindle/Platform/NSCharacterSet.h>
+#include <Brindle/Platform/NSData.h>
+#include <Brindle/Platform/NSDate.h>
+#include <Brindle/Platform/NSDateComponents.h>
+#include <Brindle/Platform/NSDictionary.h>
+#include <Brindle/Platform/NSEnumerator.h>
+#include <Brindle/Platform/NSError.h>
+#include <Brindle/Platform/NSException.h>
 #include <Brindle/Platform/NSInvocation.h>
+#include <Brindle/Platform/NSLocale.h>
 #include <Brindle/Platform/NSMethodSignature.h>
+#include <Brindle/Platform/NSMutableArray.h>
+#include <Brindle/Platform/NSMutableData.h>
+#include <Brindle/Platform/NSMutableDictionary.h>
+#include <Brindle/Platform/NSMutableSet.h>
 #include <Brindle/Platform/NSMutableString.h>
+#include <Brindle/Platform/NSNull.h>
+#include <Brindle/Platform/NSNumber.h>
 #include <Brindle/Platform/NSObject.h>
 #include <Brindle/Platform/NSProxy.h>
 #include <Brindle/Platform/NSScanner.h>
+#include <Brindle/Platform/NSSet.h>
 #include <Brindle/Platform/NSString.h>
+#include <Brindle/Platform/NSThread.h>
+#include <Brindle/Platform/NSTimeZone.h>
+#include <Brindle/Platform/NSValue.h>
 #include <Brindle/Platform/Protocol.h>
 #include <Brindle/Platform/Runtime.h>
 
@@ -34,6 +51,23 @@ constexpr ClassRecord* kClasses[] = {
     &NSString::classPair.cls,
     &NSMutableString::classPair.cls,
     &NSCharacterSet::classPair.cls,
+    &NSException::classPair.cls,
+    &NSNull::classPair.cls,
+    &NSValue::classPair.cls,
+    &NSNumber::classPair.cls,
+    &NSData::classPair.cls,
+    &NSMutableData::classPair.cls,
+    &NSEnumerator::classPair.cls,
+    &NSArray::classPair.cls,
+    &NSMutableArray::classPair.cls,
+    &NSDictionary::classPair.cls,
+    &NSMutableDictionary::classPair.cls,
+    &NSSet::classPair.cls,
+    &NSMutableSet::classPair.cls,
+    &NSError::classPair.cls,
+    &NSThread::classPair.cls,
+    &NSAssertionHandler::classPair.cls,
+    &NSAutoreleasePool::classPair.cls,
     &NSDate::classPair.cls,
     &NSTimeZone::classPair.cls,
     &NSLocale::classPair.cls,

@@ -246,30 +246,19 @@ ObjectRecord* stringFromUtf8(const char* bytes, std::size_t size) {
   return makeString(internal::textFromUtf8Replacing({bytes, size})).leak();
 }
 
-void raiseForString(const char* name, const id& self, SEL selector, const std::string& what) {
-  const bool isClass = object_isClass(self) != NO;
-  const char* cls = class_getName(send<"class", Class>(self));
-  raise(name,
-        std::string(isClass ? "+[" : "-[") + cls + " " + sel_getName(selector) + "]: " + what);
-}
-
-void requireArgument(const id& self, SEL selector, const id& argument) {
-  if (!argument) raiseForString("NSInvalidArgumentException", self, selector, "nil argument");
-}
-
 void requireIndex(const id& self, SEL selector, NSUInteger index, NSUInteger length) {
   if (index > length) raiseBeyond(self, selector, index, length);
 }
 
 void raiseBeyond(const id& self, SEL selector, NSUInteger index, NSUInteger length) {
-  raiseForString("NSRangeException", self, selector,
+  raiseIn("NSRangeException", self, selector,
                  "index " + std::to_string(index) + " beyond the end of a string of length " +
                      std::to_string(length));
 }
 
 void requireRange(const id& self, SEL selector, NSRange range, NSUInteger length) {
   if (range.location <= length && range.length <= length - range.location) return;
-  raiseForString("NSRangeException", self, selector,
+  raiseIn("NSRangeException", self, selector,
                  "range {" + std::to_string(range.location) + ", " + std::to_string(range.length) +
                      "} beyond the end of a string of length " + std::to_string(length));
 }

@@ -6,10 +6,7 @@
 #include <string>
 
 #include <Brindle/Platform/Definition.h>
-#if __has_include(<Brindle/Platform/NSData.h>)
 #include <Brindle/Platform/NSData.h>
-#define HAVE_DATA 1
-#endif
 #include <Brindle/Platform/NSString.h>
 
 #include "Platform/Foundation/Internal/Categories.h"
@@ -88,7 +85,7 @@ const char* utf8Of(const NSString& self) {
 
 void requireBytes(const id& self, SEL selector, const char* bytes) {
   if (bytes == nullptr) {
-    detail::raiseForString("NSInvalidArgumentException", self, selector, "null argument");
+    detail::raiseIn("NSInvalidArgumentException", self, selector, "null argument");
   }
 }
 
@@ -121,13 +118,11 @@ constexpr MethodDefinition kMethods[] = {
         [](const NSString& self, const void* bytes, NSUInteger length, NSStringEncoding encoding) {
           return initialized(self, decoded(bytes, length, encoding));
         }),
-#ifdef HAVE_DATA
     method<"initWithData:encoding:">(
         [](const NSString& self, const NSData& data, NSStringEncoding encoding) -> id {
           if (!data) return nullptr;
           return initialized(self, decoded(data->bytes(), data->length(), encoding));
         }),
-#endif
 
     method<"UTF8String">([](const NSString& self) { return utf8Of(self); }),
     method<"cStringUsingEncoding:">(
@@ -136,7 +131,6 @@ constexpr MethodDefinition kMethods[] = {
           auto bytes = encoded(self, encoding, false);
           return bytes ? autoreleasedBytes(std::move(*bytes)) : nullptr;
         }),
-#ifdef HAVE_DATA
     method<"dataUsingEncoding:">([](const NSString& self, NSStringEncoding encoding) {
       return self->dataUsingEncoding(encoding, false);
     }),
@@ -146,7 +140,6 @@ constexpr MethodDefinition kMethods[] = {
           if (!bytes) return nullptr;
           return NSData::dataWithBytes(bytes->data(), bytes->size());
         }),
-#endif
     method<"canBeConvertedToEncoding:">([](const NSString& self, NSStringEncoding encoding) {
       return encoded(self, encoding, false).has_value();
     }),
@@ -162,7 +155,6 @@ constexpr MethodDefinition kMethods[] = {
 constinit const CategoryDefinition detail::kNSStringBytes{
     .name = "NSStringBytes", .cls = &NSString::classPair.cls, .methods = kMethods};
 
-#ifdef HAVE_DATA
 NSString NSString::initWithData(const NSData& data, NSStringEncoding encoding) const {
   return send<"initWithData:encoding:", NSString>(*this, data, encoding);
 }
@@ -173,6 +165,5 @@ NSData NSString::dataUsingEncoding(NSStringEncoding encoding, bool allowLossyCon
   return send<"dataUsingEncoding:allowLossyConversion:", NSData>(*this, encoding,
                                                                  allowLossyConversion);
 }
-#endif
 
 }  // namespace brindle

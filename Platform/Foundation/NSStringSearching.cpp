@@ -132,7 +132,7 @@ void requireOptions(const id& self, SEL selector, NSStringCompareOptions options
       NSCaseInsensitiveSearch | NSLiteralSearch | NSBackwardsSearch | NSAnchoredSearch |
       NSNumericSearch | NSDiacriticInsensitiveSearch | NSForcedOrderingSearch;
   if ((options & ~kOffered) == 0) return;
-  raiseForString("NSInvalidArgumentException", self, selector,
+  raiseIn("NSInvalidArgumentException", self, selector,
                  "options " + std::to_string(options) + " hold one that is not offered");
 }
 

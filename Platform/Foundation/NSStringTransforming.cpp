@@ -2,10 +2,7 @@
 #include <vector>
 
 #include <Brindle/Platform/Definition.h>
-#if __has_include(<Brindle/Platform/NSArray.h>)
 #include <Brindle/Platform/NSArray.h>
-#define HAVE_ARRAY 1
-#endif
 #include <Brindle/Platform/NSCharacterSet.h>
 #include <Brindle/Platform/NSString.h>
 
@@ -24,7 +21,6 @@ using internal::Text;
 using internal::TextRange;
 using internal::TextView;
 
-#ifdef HAVE_ARRAY
 // What lies between the matches that `next` finds in the rest of the text.
 template <class Next>
 NSArray pieces(TextView text, const Next& next) {
@@ -38,7 +34,6 @@ NSArray pieces(TextView text, const Next& next) {
   found.push_back(detail::makeString(text));
   return NSArray::arrayWithObjects(found.data(), found.size());
 }
-#endif
 
 constexpr MethodDefinition kMethods[] = {
     method<"stringByAppendingString:">([](const NSString& self, Cmd cmd, const NSString& other) {
@@ -82,7 +77,6 @@ constexpr MethodDefinition kMethods[] = {
           const detail::StringText text(self);
           return detail::makeString(text.view().sub(detail::charactersOf(set).trimmed(text)));
         }),
-#ifdef HAVE_ARRAY
     method<"componentsSeparatedByString:">(
         [](const NSString& self, Cmd cmd, const NSString& separator) {
           detail::requireArgument(self, cmd.selector, separator);
@@ -100,7 +94,6 @@ constexpr MethodDefinition kMethods[] = {
           return pieces(
               text, [&characters](TextView rest) { return characters.find(rest, false, false); });
         }),
-#endif
 
     method<"uppercaseString">([](const NSString& self) {
       return detail::makeString(internal::uppercaseText(detail::StringText(self)));
@@ -134,14 +127,12 @@ constexpr MethodDefinition kMethods[] = {
 constinit const CategoryDefinition detail::kNSStringTransforming{
     .name = "NSStringTransforming", .cls = &NSString::classPair.cls, .methods = kMethods};
 
-#ifdef HAVE_ARRAY
 NSArray NSString::componentsSeparatedByString(const NSString& separator) const {
   return send<"componentsSeparatedByString:", NSArray>(*this, separator);
 }
 NSArray NSString::componentsSeparatedByCharactersInSet(const NSCharacterSet& separators) const {
   return send<"componentsSeparatedByCharactersInSet:", NSArray>(*this, separators);
 }
-#endif
 NSString NSString::stringByTrimmingCharactersInSet(const NSCharacterSet& set) const {
   return send<"stringByTrimmingCharactersInSet:", NSString>(*this, set);
 }

@@ -42,7 +42,7 @@ class Passed {
 };
 
 template <class T>
-  requires(ReferencePointee<T>)
+  requires(SlotPointee<T>)
 class Passed<T*> {
  public:
   explicit Passed(T* slot) noexcept : slot_(slot), raw_(slot != nullptr ? slot->leak() : nullptr) {}
@@ -114,7 +114,7 @@ class Receive<P> {
 
 template <class P>
   requires(std::is_pointer_v<std::remove_cvref_t<P>> &&
-           ReferencePointee<std::remove_pointer_t<std::remove_cvref_t<P>>>)
+           SlotPointee<std::remove_pointer_t<std::remove_cvref_t<P>>>)
 class Receive<P> {
   using T = std::remove_pointer_t<std::remove_cvref_t<P>>;
 

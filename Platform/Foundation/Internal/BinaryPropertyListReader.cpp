@@ -41,10 +41,11 @@ class Reader {
     std::uint16_t height;  // of the highest element so far
   };
 
-  // Of each object: not read yet, its elements being read, or how deep it is (1 for a leaf).
+  // Of each object: not read yet, its elements being read, or one more than the containers that
+  // are nested in it, itself counted.
   static constexpr std::uint16_t kUnread = 0;
   static constexpr std::uint16_t kOpen = 0xFFFF;
-  static_assert(PropertyList::kMaximalDepth < kOpen);
+  static_assert(PropertyList::kMaximalDepth + 1 < kOpen);
 
   bool fail(const std::string& what) {
     error_ = "binary property list: " + what;
@@ -95,7 +96,7 @@ class Reader {
         continue;
       }
       if (height == kOpen) return failAt(child, "it holds itself");
-      if (height >= PropertyList::kMaximalDepth) return failAt(child, "it is nested too deeply");
+      if (height > PropertyList::kMaximalDepth) return failAt(child, "it is nested too deeply");
       const bool isKey = list_.kind(frame.container) == PropertyKind::dictionary &&
                          frame.next < list_.node(frame.container).count;
       if (isKey && list_.kind(child) != PropertyKind::string) {
@@ -139,7 +140,8 @@ class Reader {
     return true;
   }
 
-  // What a file of objects that do not overlap can need at most.
+  // Counts what an object takes: all that is copied, looked through, or copied by those who make
+  // objects of the nodes. A file whose objects do not overlap cannot use up what there is.
   bool charge(std::uint64_t bytes) {
     if (bytes > room_) return false;
     room_ -= bytes;
@@ -161,7 +163,7 @@ class Reader {
     const bool container = node.kind == PropertyKind::array || node.kind == PropertyKind::set ||
                            node.kind == PropertyKind::dictionary;
     heights_[object] = container ? kOpen : 1;
-    if (container) frames_.push_back({object, 0, 0});
+    if (container) frames_.push_back({object, 0, 1});
     return true;
   }
 
@@ -254,6 +256,7 @@ class Reader {
     std::uint64_t size = 0;
     const char* start = nullptr;
     if (!takeSize(low, size) || !take(size, start)) return false;
+    if (!charge(size)) return problem("objects overlap");
     if (kind == PropertyKind::string && !TextView::latin1({start, size}).isAscii()) {
       return problem("its text is not ASCII");
     }

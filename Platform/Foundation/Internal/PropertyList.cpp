@@ -48,6 +48,15 @@ double PropertyInteger::asReal() const noexcept {
   return std::ldexp(static_cast<double>(high), 64) + static_cast<double>(low);
 }
 
+void PropertyList::swap(PropertyList& other) noexcept {
+  nodes_.swap(other.nodes_);
+  children_.swap(other.children_);
+  blocks_.swap(other.blocks_);
+  std::swap(free_, other.free_);
+  std::swap(room_, other.room_);
+  std::swap(root_, other.root_);
+}
+
 TextView PropertyList::string(Index index) const noexcept {
   const PropertyNode& node = nodes_[index];
   if (node.flag) {

@@ -13,6 +13,7 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Platform/Foundation/Internal/Text.h"
@@ -83,12 +84,19 @@ class PropertyList {
  public:
   using Index = std::uint32_t;
   static constexpr Index kNone = 0xFFFFFFFF;
-  /// Readers refuse what is nested more deeply, so that those who make objects of it may recurse.
+  /// Readers refuse more containers within each other, so that those who make objects may recurse.
   static constexpr std::size_t kMaximalDepth = 512;
 
   PropertyList() noexcept = default;
-  PropertyList(PropertyList&&) noexcept = default;
-  PropertyList& operator=(PropertyList&&) noexcept = default;
+  /// Leaves an empty document behind.
+  PropertyList(PropertyList&& other) noexcept { swap(other); }
+  PropertyList& operator=(PropertyList&& other) noexcept {
+    PropertyList(std::move(other)).swap(*this);
+    return *this;
+  }
+  ~PropertyList() = default;
+
+  void swap(PropertyList& other) noexcept;
 
   // --- Reading ---------------------------------------------------------------------------------
 

@@ -5,6 +5,7 @@
 
 #include <Brindle/Platform/NSString.h>
 
+#include "Platform/Foundation/Internal/Arguments.h"
 #include "Platform/Foundation/Internal/Text.h"
 
 namespace brindle::detail {
@@ -48,11 +49,8 @@ void setMutableText(const NSString& string, internal::TextView text);
 /// Appends the text of any object: its description, "(null)" where that is nil.
 void describeObject(internal::Text& target, const void* object);
 
-[[noreturn]] void raiseForString(const char* name, const id& self, SEL selector,
-                                 const std::string& what);
 [[noreturn]] void raiseBeyond(const id& self, SEL selector, NSUInteger index, NSUInteger length);
-/// Raise NSInvalidArgumentException for nil, NSRangeException beyond the end.
-void requireArgument(const id& self, SEL selector, const id& argument);
+/// Raise NSRangeException beyond the end.
 void requireIndex(const id& self, SEL selector, NSUInteger index, NSUInteger length);
 void requireRange(const id& self, SEL selector, NSRange range, NSUInteger length);
 

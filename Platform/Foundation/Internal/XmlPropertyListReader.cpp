@@ -34,6 +34,8 @@ Element elementOf(std::string_view name) {
   return Element::none;
 }
 
+constexpr const char* kTooDeep = "it is nested too deeply";
+
 std::string_view nameOf(Element element) {
   for (const auto& known : kElements) {
     if (known.element == element) return known.name;
@@ -142,7 +144,8 @@ class Reader {
     if (expectsKey() && element != Element::key) return fail("a value without a key");
     if (!expectsKey() && element == Element::key) return fail("a key where a value belongs");
     if (element == Element::dict || element == Element::array) {
-      if (frames_.size() >= PropertyList::kMaximalDepth) return fail("it is nested too deeply");
+      // One more than allowed may be a UID; what is none is found when it ends.
+      if (frames_.size() > PropertyList::kMaximalDepth) return fail(kTooDeep);
       frames_.push_back({element, pending_.size()});
       return;
     }
@@ -205,9 +208,11 @@ class Reader {
     if (frame.element == Element::dict && elements.size() % 2 != 0) {
       return fail("a key without a value");
     }
-    const Index node = frame.element == Element::array ? list_.addArray(elements)
-                       : isUid(elements) ? list_.addUid(list_.integer(elements[1]).low)
-                                         : list_.addDictionary(elements);
+    const bool uid = frame.element == Element::dict && isUid(elements);
+    if (!uid && frames_.size() >= PropertyList::kMaximalDepth) return fail(kTooDeep);
+    const Index node = uid ? list_.addUid(list_.integer(elements[1]).low)
+                       : frame.element == Element::array ? list_.addArray(elements)
+                                                         : list_.addDictionary(elements);
     pending_.resize(frame.first);
     give(node);
   }

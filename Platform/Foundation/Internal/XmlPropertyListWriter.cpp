@@ -12,8 +12,6 @@ using Index = PropertyList::Index;
 
 constexpr std::string_view kHead =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
     "<plist version=\"1.0\">\n";
 constexpr std::string_view kFoot = "</plist>\n";
 
@@ -22,9 +20,18 @@ class Writer {
   Writer(const PropertyList& list, std::string& error) : list_(list), error_(error) {}
 
   std::optional<std::string> write() {
+    if (list_.root() == PropertyList::kNone) {
+      fail("there is no value");
+      return std::nullopt;
+    }
     out_ = kHead;
     if (!begin(list_.root())) return std::nullopt;
+    const std::size_t limit = sizeLimit();
     while (!frames_.empty()) {
+      if (out_.size() > limit) {
+        fail("what is held many times would become too large");
+        return std::nullopt;
+      }
       const auto [container, next] = frames_.back();
       const bool isArray = list_.kind(container) == PropertyKind::array;
       if (next == list_.node(container).count) {
@@ -48,6 +55,22 @@ class Writer {
     Index container;
     std::size_t next;
   };
+
+  // More than any document takes in which nothing is held twice. What is held twice is written
+  // twice, so a few containers that hold the next one twice could fill every memory.
+  [[nodiscard]] std::size_t sizeLimit() const {
+    constexpr std::size_t kAlways = std::size_t{1} << 24U;
+    constexpr std::size_t kLine = 2 * PropertyList::kMaximalDepth;
+    std::size_t limit = kAlways;
+    for (Index i = 0; i < list_.size(); ++i) {
+      const PropertyNode& node = list_.node(i);
+      limit += 4 * kLine * (1 + list_.children(i).size());
+      if (node.kind == PropertyKind::string || node.kind == PropertyKind::data) {
+        limit += kLine * node.content.size;
+      }
+    }
+    return limit;
+  }
 
   bool fail(const std::string& what) {
     error_ = "XML property list: " + what;

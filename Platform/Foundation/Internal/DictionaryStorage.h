@@ -1,0 +1,19 @@
+// The variables of the dictionary classes.
+#pragma once
+
+#include <Brindle/Platform/NSDictionary.h>
+
+#include "Platform/Foundation/Internal/ObjectTable.h"
+
+namespace brindle::detail {
+
+/// Of a subclass that keeps its entries elsewhere the table stays empty.
+ObjectTable& tableOf(const NSDictionary& dictionary);
+
+/// Whether the dictionary is of the library's own classes, so that its table holds its entries.
+bool isLibraryDictionary(const NSDictionary& dictionary) noexcept;
+
+/// A copy of a key for a table, by `copyWithZone:`.
+id copyKey(const id& key);
+
+}  // namespace brindle::detail

@@ -21,7 +21,7 @@ struct ThreadPools {
 };
 
 // A bare pointer: touching it costs nothing at a thread's start or end.
-constinit thread_local ThreadPools* current = nullptr;
+constinit thread_local ThreadPools* current [[gnu::tls_model("initial-exec")]] = nullptr;
 
 void drainTo(ThreadPools& pools, std::size_t count) {
   while (pools.objects.size() > count) {

@@ -191,6 +191,8 @@ ClassData* realized(ClassRecord* cls) {
 }
 
 void makeReady(ClassRecord* record) {
+  // Published last: a table of its own says that everything before it is done.
+  if (record->table.load(std::memory_order_acquire) != kEmptyTable.pages) return;
   ClassRecord* cls = record->isMeta ? record->other : record;
   {
     std::unique_lock guard(lock);

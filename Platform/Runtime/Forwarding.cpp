@@ -90,6 +90,9 @@ std::size_t wireSize(std::string_view code, const SignatureData& data) {
 }
 
 bool answers(const ClassRecord& cls, SEL selector) {
+  const MethodRecord* method = findMethod(&cls, selector);
+  if (method->implementation.load(std::memory_order_acquire) != nullptr) return true;
+  // A class that is still being initialised has its methods in the writers' view only.
   return lookUpMethod(cls.data.load(std::memory_order_acquire), selector) != nullptr;
 }
 
@@ -111,7 +114,7 @@ void resend(const id& target, SEL selector, const char* wire, void** arguments, 
     send<"doesNotRecognizeSelector:">(target, selector);
     return;
   }
-  if (data->wire != wire) {
+  if (!sameWire(wire, data->wire.c_str())) {
     raise("NSInvalidArgumentException", std::string("the target of a forwarded ") +
                                             selector->name + " has other types (" + data->types +
                                             ")");
@@ -122,6 +125,35 @@ void resend(const id& target, SEL selector, const char* wire, void** arguments, 
   frame[1] = &selector;
   std::copy_n(arguments, frame.size() - 2, frame.begin() + 2);
   sendFrame(record, selector, *data, frame.data(), result);
+}
+
+/// Fills in a sender's arguments as the signature wants them.
+void convertArguments(const char* wire, void** arguments, const SignatureData& data,
+                      const NSInvocation& invocation) {
+  nextCode(wire);
+  std::size_t index = 2;
+  for (std::string_view code = nextCode(wire); !code.empty(); code = nextCode(wire), ++index) {
+    if (index >= data.arguments.size()) break;
+    const TypeData& type = data.arguments[index];
+    convert(arguments[index - 2], code, true, argumentOf(invocation, index), type.wire, type.size);
+  }
+}
+
+/// Hands the result over in the type that the sender expects.
+void convertResult(const NSInvocation& invocation, const SignatureData& data, const char* wire,
+                   void* result) {
+  const std::string_view code = nextCode(wire);
+  if (code == "@") {
+    if (data.result.wire == "@") {
+      *static_cast<ObjectRecord**>(result) =
+          retained(*static_cast<ObjectRecord**>(resultOf(invocation)));
+    }
+    return;
+  }
+  const std::size_t size = wireSize(code, data);
+  if (data.result.size == 0 || size == 0) return;
+  convert(resultOf(invocation), data.result.wire, isSigned(data.result.encoding), result, code,
+          size);
 }
 
 void closureEntry(ffi_cif*, void* result, void** arguments, void* user) {
@@ -174,7 +206,7 @@ void sendFrame(ObjectRecord* target, SEL selector, SignatureData& data, void** a
     return;
   }
   const char* wire = method->wire.load(std::memory_order_acquire);
-  if (wire != nullptr && data.wire != wire) {
+  if (wire != nullptr && !sameWire(wire, data.wire.c_str())) {
     raise("NSInvalidArgumentException", std::string("an invocation of ") + selector->name +
                                             " has the types " + data.types + ", the method of " +
                                             cls->name + " has " + method->types.load());
@@ -204,36 +236,25 @@ void forwardMessage(ObjectRecord* receiver, SEL selector, const char* wire, void
     return;
   }
   const SignatureData& data = *dataOfSignature(signature);
-  const NSInvocation invocation = NSInvocation::invocationWithMethodSignature(signature);
-  invocation->setTarget(self);
-  invocation->setSelector(selector);
-  const char* codes = wire;
-  const std::string_view resultCode = nextCode(codes);
-  alignas(16) std::array<std::byte, 256> converted{};
-  std::size_t index = 2;
-  for (std::string_view code = nextCode(codes); !code.empty(); code = nextCode(codes), ++index) {
-    if (index >= data.arguments.size()) break;
-    const TypeData& type = data.arguments[index];
-    if (code == type.wire) {
-      invocation->setArgumentBytes(arguments[index - 2], index);
-    } else if (type.size <= converted.size()) {
-      convert(arguments[index - 2], code, true, converted.data(), type.wire, type.size);
-      invocation->setArgumentBytes(converted.data(), index);
+  const NSInvocation invocation = newInvocation(signature, receiver, selector);
+  const bool same = sameWire(wire, data.wire.c_str());
+  if (same) {
+    for (std::size_t i = 2; i < data.arguments.size(); ++i) {
+      std::memcpy(argumentOf(invocation, i), arguments[i - 2], data.arguments[i].size);
     }
+  } else {
+    convertArguments(wire, arguments, data, invocation);
   }
   send<"forwardInvocation:">(self, invocation);
   if (result == nullptr) return;
-  if (resultCode == "@") {
-    if (data.result.wire == "@") {
-      *static_cast<ObjectRecord**>(result) = invocation->result<id>().leak();
-    }
-    return;
+  if (!same) {
+    convertResult(invocation, data, wire, result);
+  } else if (data.result.wire == "@") {
+    *static_cast<ObjectRecord**>(result) =
+        retained(*static_cast<ObjectRecord**>(resultOf(invocation)));
+  } else {
+    std::memcpy(result, resultOf(invocation), data.result.size);
   }
-  const std::size_t size = wireSize(resultCode, data);
-  if (data.result.size == 0 || size == 0) return;
-  std::vector<std::byte> room(std::max(kSmallResult, data.result.size));
-  invocation->getReturnValueBytes(room.data());
-  convert(room.data(), data.result.wire, isSigned(data.result.encoding), result, resultCode, size);
 }
 
 }  // namespace detail

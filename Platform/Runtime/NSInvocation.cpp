@@ -31,7 +31,7 @@ struct Kept {
 /// The values of a message. Small frames lie in the object, larger ones on the heap.
 class Fields {
  public:
-  Fields() = default;
+  Fields() noexcept {}  // NOLINT(*-use-equals-default): that one would zero everything twice
   Fields(const Fields&) = delete;
   Fields& operator=(const Fields&) = delete;
   ~Fields() { takeResult(); }
@@ -121,7 +121,7 @@ void invoke(const NSInvocation& self) {
   const id keptTarget = borrow<id>(target);
   const NSInvocation keptSelf = self;
   const SEL selector = *static_cast<SEL*>(f.argument(1));
-  std::array<void*, kInlineArguments> few{};
+  std::array<void*, kInlineArguments> few;  // NOLINT(*-member-init): filled below
   std::vector<void*> many;
   void** arguments = few.data();
   const std::size_t count = f.data().arguments.size();
@@ -141,6 +141,14 @@ void invoke(const NSInvocation& self) {
   old = nullptr;
 }
 
+NSInvocation makeInvocation(ClassRecord* cls, const NSMethodSignature& signature) {
+  NSInvocation made = adopt<NSInvocation>(detail::createInstance(cls, 0));
+  Fields& f = fields(made);
+  f.signature = signature;
+  f.setSignature(detail::dataOfSignature(signature));
+  return made;
+}
+
 constexpr MethodDefinition kMethods[] = {
     classMethod<"invocationWithMethodSignature:">(
         [](const Class& self, const NSMethodSignature& signature) -> NSInvocation {
@@ -148,11 +156,7 @@ constexpr MethodDefinition kMethods[] = {
             detail::raise("NSInvalidArgumentException",
                           "an invocation needs a method signature, not nil");
           }
-          NSInvocation made = adopt<NSInvocation>(detail::createInstance(self.record(), 0));
-          Fields& f = fields(made);
-          f.signature = signature;
-          f.setSignature(detail::dataOfSignature(signature));
-          return made;
+          return makeInvocation(self.record(), signature);
         }),
     method<"methodSignature">([](const NSInvocation& self) { return fields(self).signature; }),
     method<"target">([](const NSInvocation& self) { return borrow<id>(fields(self).object(0)); }),
@@ -211,5 +215,24 @@ constexpr ClassDefinition kDefinition{
 }  // namespace
 
 constinit ClassPair<NSInvocation> NSInvocation::classPair{kDefinition};
+
+namespace detail {
+
+NSInvocation newInvocation(const NSMethodSignature& signature, ObjectRecord* receiver,
+                           SEL selector) {
+  NSInvocation made = makeInvocation(&NSInvocation::classPair.cls, signature);
+  Fields& f = fields(made);
+  f.object(0) = receiver;
+  *static_cast<SEL*>(f.argument(1)) = selector;
+  return made;
+}
+
+void* argumentOf(const NSInvocation& invocation, std::size_t index) {
+  return fields(invocation).argument(index);
+}
+
+void* resultOf(const NSInvocation& invocation) { return fields(invocation).result(); }
+
+}  // namespace detail
 
 }  // namespace brindle

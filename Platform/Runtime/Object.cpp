@@ -36,7 +36,7 @@ struct ThreadEnds {
   std::exception_ptr* parked;
   std::vector<ObjectRecord*>* waiting;
 };
-constinit thread_local ThreadEnds ends{};
+constinit thread_local ThreadEnds ends [[gnu::tls_model("initial-exec")]]{};
 
 constinit std::atomic<IMP> plainDealloc{nullptr};
 

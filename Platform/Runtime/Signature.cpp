@@ -6,7 +6,9 @@
 #include <mutex>
 #include <shared_mutex>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
+#include <utility>
 
 #include <Brindle/Platform/Implementation.h>
 
@@ -156,6 +158,45 @@ Cache& cache() {
   return signatures;
 }
 
+// libffi sorts the arguments of each call anew. The commonest messages are called without it.
+struct DirectCall {
+  std::string_view wire;
+  void (*call)(IMP, void** arguments, void* result);
+};
+
+template <class R, class... A>
+void callDirectly(IMP imp, void** arguments, void* result) {
+  auto* self = *static_cast<ObjectRecord**>(arguments[0]);
+  const SEL selector = *static_cast<SEL*>(arguments[1]);
+  const auto function = typedImplementation<Wire<R>, Wire<A>...>(imp);
+  [&]<std::size_t... I>(std::index_sequence<I...>) {
+    if constexpr (std::is_void_v<R>) {
+      function(self, selector, *static_cast<Wire<A>*>(arguments[I + 2])...);
+    } else {
+      *static_cast<Wire<R>*>(result) =
+          function(self, selector, *static_cast<Wire<A>*>(arguments[I + 2])...);
+    }
+  }
+  (std::index_sequence_for<A...>{});
+}
+
+template <class R, class... A>
+constexpr DirectCall directCall() {
+  return {wireTypes<R, A...>.view(), &callDirectly<R, A...>};
+}
+
+constexpr DirectCall kDirectCalls[] = {
+    directCall<void>(),          directCall<void, id>(),
+    directCall<void, id, id>(),  directCall<void, bool>(),
+    directCall<void, int>(),     directCall<void, NSInteger>(),
+    directCall<void, double>(),  directCall<id>(),
+    directCall<id, id>(),        directCall<id, id, id>(),
+    directCall<id, NSInteger>(), directCall<bool>(),
+    directCall<bool, id>(),      directCall<int>(),
+    directCall<NSInteger>(),     directCall<NSInteger, id>(),
+    directCall<double>(),
+};
+
 }  // namespace
 
 bool parseSignature(const char* types, SignatureData& data) {
@@ -180,6 +221,9 @@ bool parseSignature(const char* types, SignatureData& data) {
   data.frameSize = offset;
   data.wire = data.result.wire;
   for (std::size_t i = 2; i < data.arguments.size(); ++i) data.wire += data.arguments[i].wire;
+  for (const DirectCall& direct : kDirectCalls) {
+    if (direct.wire == data.wire) data.direct = direct.call;
+  }
   return ffi_prep_cif(&data.cif, FFI_DEFAULT_ABI, static_cast<unsigned>(data.arguments.size()),
                       data.result.ffi, data.ffiArguments.data()) == FFI_OK;
 }
@@ -210,7 +254,8 @@ SignatureData* signatureData(const char* types) {
 }
 
 void callWithFrame(SignatureData& data, IMP imp, void** arguments, void* result) {
-  ffi_call(&data.cif, imp, result, arguments);
+  if (data.direct != nullptr) data.direct(imp, arguments, result);
+  else ffi_call(&data.cif, imp, result, arguments);
 }
 
 }  // namespace brindle::detail

@@ -1,4 +1,4 @@
-// A type encoding taken apart: the types of a message, and how libffi calls it.
+// A type encoding taken apart: the types of a message, and how it is called with them.
 #pragma once
 
 #include <atomic>
@@ -32,6 +32,7 @@ struct SignatureData {
   std::vector<std::size_t> offsets;  // of the arguments in an invocation's frame, aligned
   std::size_t frameSize = 0;
   ffi_cif cif{};
+  void (*direct)(IMP, void** arguments, void* result) = nullptr;  // a call that needs no libffi
   std::vector<ffi_type*> ffiArguments;
   std::deque<ffi_type> structTypes;
   std::deque<std::vector<ffi_type*>> structElements;

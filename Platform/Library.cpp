@@ -7,6 +7,7 @@
 #include <Brindle/Platform/NSAutoreleasePool.h>
 #include <Brindle/Platform/NSCalendar.h>
 #include <Brindle/Platform/NSCharacterSet.h>
+#include <Brindle/Platform/NSCoder.h>
 #include <Brindle/Platform/NSData.h>
 #include <Brindle/Platform/NSDate.h>
 #include <Brindle/Platform/NSDateComponents.h>
@@ -15,6 +16,8 @@
 #include <Brindle/Platform/NSError.h>
 #include <Brindle/Platform/NSException.h>
 #include <Brindle/Platform/NSInvocation.h>
+#include <Brindle/Platform/NSKeyedArchiver.h>
+#include <Brindle/Platform/NSKeyedUnarchiver.h>
 #include <Brindle/Platform/NSLocale.h>
 #include <Brindle/Platform/NSMethodSignature.h>
 #include <Brindle/Platform/NSMutableArray.h>
@@ -66,6 +69,9 @@ constexpr ClassRecord* kClasses[] = {
     &NSMutableSet::classPair.cls,
     &NSError::classPair.cls,
     &NSThread::classPair.cls,
+    &NSCoder::classPair.cls,
+    &NSKeyedArchiver::classPair.cls,
+    &NSKeyedUnarchiver::classPair.cls,
     &NSAssertionHandler::classPair.cls,
     &NSAutoreleasePool::classPair.cls,
     &NSDate::classPair.cls,
@@ -83,6 +89,15 @@ constexpr const CategoryDefinition* kCategories[] = {
     &detail::kNSStringFormatting,
     &detail::kNSStringSearching,
     &detail::kNSStringTransforming,
+    &detail::kNSObjectCoding,
+    &detail::kNSStringCoding,
+    &detail::kNSDataCoding,
+    &detail::kNSNumberCoding,
+    &detail::kNSDateCoding,
+    &detail::kNSNullCoding,
+    &detail::kNSArrayCoding,
+    &detail::kNSDictionaryCoding,
+    &detail::kNSSetCoding,
 };
 
 [[gnu::constructor]] void attachPlatform() {

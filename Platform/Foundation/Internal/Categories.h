@@ -11,5 +11,14 @@ extern const CategoryDefinition kNSStringBytes;
 extern const CategoryDefinition kNSStringFormatting;
 extern const CategoryDefinition kNSStringSearching;
 extern const CategoryDefinition kNSStringTransforming;
+extern const CategoryDefinition kNSObjectCoding;
+extern const CategoryDefinition kNSStringCoding;
+extern const CategoryDefinition kNSDataCoding;
+extern const CategoryDefinition kNSNumberCoding;
+extern const CategoryDefinition kNSDateCoding;
+extern const CategoryDefinition kNSNullCoding;
+extern const CategoryDefinition kNSArrayCoding;
+extern const CategoryDefinition kNSDictionaryCoding;
+extern const CategoryDefinition kNSSetCoding;
 
 }  // namespace brindle::detail

@@ -35,6 +35,32 @@ bool takeSign(std::string_view& text) noexcept {
   return negative;
 }
 
+// The number of that magnitude; nothing when it does not fit.
+std::optional<PropertyInteger> signedInteger(std::uint64_t high, std::uint64_t low, bool negative) {
+  if (negative) {
+    low = -low;
+    high = ~high + (low == 0 ? 1 : 0);
+  }
+  const PropertyInteger value{low, static_cast<std::int64_t>(high)};
+  if (value.isNegative() != negative && (high | low) != 0) return std::nullopt;
+  return value;
+}
+
+// Digits of the base alone, beyond 64 bits.
+std::optional<PropertyInteger> parseLongInteger(std::string_view digits, int base, bool negative) {
+  std::array<std::uint64_t, 4> parts{};  // of 32 bits, the highest first
+  for (const char c : digits) {
+    std::uint64_t carry = 0;
+    std::from_chars(&c, &c + 1, carry, base);
+    for (std::size_t i = parts.size(); i-- > 0; carry >>= 32U) {
+      carry += parts[i] * static_cast<std::uint64_t>(base);
+      parts[i] = carry & 0xFFFFFFFF;
+    }
+    if (carry != 0) return std::nullopt;
+  }
+  return signedInteger(parts[0] << 32U | parts[1], parts[2] << 32U | parts[3], negative);
+}
+
 // Exactly or at least so many decimal digits.
 std::optional<std::int64_t> takeDigits(std::string_view& text, std::size_t least,
                                        std::size_t most) {
@@ -57,6 +83,10 @@ std::int64_t dayOf(std::int64_t year, std::int64_t month, std::int64_t day) noex
   return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
 }
 
+std::int64_t daysIn(std::int64_t year, std::int64_t month) noexcept {
+  return dayOf(month == 12 ? year + 1 : year, month % 12 + 1, 1) - dayOf(year, month, 1);
+}
+
 constexpr std::int64_t kDayOf2001 = 11323;  // since 1970
 constexpr std::int64_t kSecondsOfDay = 86400;
 
@@ -77,17 +107,18 @@ std::optional<PropertyInteger> parseXmlInteger(std::string_view text) {
     base = 16;
   }
   std::uint64_t value = 0;
-  const auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), value, base);
-  if (status != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  if (!negative) return PropertyInteger::fromUnsigned(value);
-  if (value > std::uint64_t{1} << 63U) return std::nullopt;
-  return PropertyInteger::fromSigned(static_cast<std::int64_t>(-value));
+  const char* const last = text.data() + text.size();
+  const auto [end, status] = std::from_chars(text.data(), last, value, base);
+  if (end != last) return std::nullopt;
+  if (status == std::errc()) return signedInteger(0, value, negative);
+  return status == std::errc::result_out_of_range ? parseLongInteger(text, base, negative)
+                                                  : std::nullopt;
 }
 
 std::string formatXmlInteger(PropertyInteger value) {
   if (value.fitsSigned()) return std::to_string(value.asSigned());
   if (value.fitsUnsigned()) return std::to_string(value.low);
-  // Beyond 64 bits, in groups of nine digits.
+  // Beyond 64 bits: divided by ten until nothing is left.
   std::uint64_t high = static_cast<std::uint64_t>(value.high);
   std::uint64_t low = value.low;
   if (value.isNegative()) {
@@ -158,14 +189,17 @@ std::optional<double> parseXmlDate(std::string_view text) {
   }
   double fraction = 0;
   if (whole && text.starts_with('.')) {
-    const auto parsed = parseDouble(TextView::latin1(text.substr(0, text.find('Z'))));
-    if (!parsed || parsed->value < 0 || parsed->value >= 1) return std::nullopt;
+    const std::size_t size = text.find_first_not_of("0123456789", 1);
+    const auto parsed = parseDouble(TextView::latin1(text.substr(0, size)));
+    if (!parsed || size == std::string_view::npos) return std::nullopt;
     fraction = parsed->value;
-    text.remove_prefix(parsed->end);
+    text.remove_prefix(size);
   }
   if (text != "Z") return std::nullopt;
   const auto& [month, day, hour, minute, second] = parts;
-  const std::int64_t days = dayOf(negative ? -*year : *year, month.value, day.value) - kDayOf2001;
+  const std::int64_t signedYear = negative ? -*year : *year;
+  if (day.value > daysIn(signedYear, month.value)) return std::nullopt;
+  const std::int64_t days = dayOf(signedYear, month.value, day.value) - kDayOf2001;
   const std::int64_t seconds =
       days * kSecondsOfDay + hour.value * 3600 + minute.value * 60 + second.value;
   return static_cast<double>(seconds) + fraction;

@@ -15,6 +15,17 @@ constexpr std::string_view kHead =
     "<plist version=\"1.0\">\n";
 constexpr std::string_view kFoot = "</plist>\n";
 
+// Whether a surrogate has no partner.
+bool hasHalfCharacter(TextView text) noexcept {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const unsigned kind = text[i] & 0xFC00U;
+    if (kind == 0xDC00) return true;
+    if (kind != 0xD800) continue;
+    if (++i == text.size() || (text[i] & 0xFC00U) != 0xDC00) return true;
+  }
+  return false;
+}
+
 class Writer {
  public:
   Writer(const PropertyList& list, std::string& error) : list_(list), error_(error) {}
@@ -150,9 +161,8 @@ class Writer {
       if (!escape(text.bytes())) return false;
     } else {
       // Half a character is no text, and would come back as another one.
-      const std::string utf8 = utf8FromText(text);
-      if (textFromUtf8(utf8)->view() != text) return fail("half a character cannot be written");
-      if (!escape(utf8)) return false;
+      if (hasHalfCharacter(text)) return fail("half a character cannot be written");
+      if (!escape(utf8FromText(text))) return false;
     }
     return element(name, escaped_);
   }

@@ -1,0 +1,398 @@
+#include <Brindle/Platform/NSKeyedUnarchiver.h>
+
+#include <cmath>
+#include <limits>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include <Brindle/Platform/Definition.h>
+#include <Brindle/Platform/NSDate.h>
+#include <Brindle/Platform/NSKeyedArchiver.h>
+#include <Brindle/Platform/NSNumber.h>
+
+#include "Platform/Foundation/Internal/Arguments.h"
+#include "Platform/Foundation/Internal/ArrayStorage.h"
+#include "Platform/Foundation/Internal/Coding.h"
+#include "Platform/Foundation/Internal/PropertyListFormat.h"
+#include "Platform/Foundation/Internal/StringAccess.h"
+
+namespace brindle {
+namespace {
+
+using internal::PropertyInteger;
+using internal::PropertyKind;
+using internal::PropertyList;
+using internal::TextView;
+using Index = PropertyList::Index;
+
+constexpr Index kNone = PropertyList::kNone;
+constexpr std::int64_t kVersion = 100000;
+
+enum class State : unsigned char { unread, underway, read };
+
+struct Fields {
+  NSData data;  // the list looks into its bytes
+  PropertyList list;
+  std::span<const Index> nodes;  // by UID
+  std::vector<id> objects;       // by UID
+  std::vector<State> states;
+  std::unordered_map<Index, Class> classes;  // by the node that describes them
+  std::vector<Index> frames;                 // the object that is read; the first is the top
+  std::unordered_map<std::string, Class> names;
+};
+
+Fields& fields(const NSKeyedUnarchiver& self) { return fieldsOf<Fields>(self); }
+
+TextView plain(std::string_view text) { return TextView::latin1(text); }
+
+// The classes that all unarchivers make, by name.
+struct SharedClasses {
+  std::mutex lock;
+  std::unordered_map<std::string, Class> classes;
+};
+SharedClasses& sharedClasses() {
+  static auto& classes = *new SharedClasses();
+  return classes;
+}
+
+Class sharedClass(const std::string& name) {
+  SharedClasses& shared = sharedClasses();
+  const std::lock_guard guard(shared.lock);
+  const auto found = shared.classes.find(name);
+  return found != shared.classes.end() ? found->second : Class();
+}
+
+[[noreturn]] void raiseBroken(const std::string& what) {
+  detail::raise("NSInvalidUnarchiveOperationException", "keyed archive: " + what);
+}
+
+// --- The archive as a whole ----------------------------------------------------------------------
+
+// Why the list is no keyed archive; null when it is one. Fills in what is needed to read it.
+const char* open(Fields& f) {
+  const PropertyList& list = f.list;
+  const Index root = list.root();
+  if (list.kind(root) != PropertyKind::dictionary) return "the top is no dictionary";
+  const Index archiver = list.find(root, plain("$archiver"));
+  if (archiver == kNone || list.kind(archiver) != PropertyKind::string ||
+      list.string(archiver) != plain("NSKeyedArchiver")) {
+    return "\"$archiver\" is not \"NSKeyedArchiver\"";
+  }
+  const Index version = list.find(root, plain("$version"));
+  if (version == kNone || list.kind(version) != PropertyKind::integer ||
+      list.integer(version) != PropertyInteger::fromSigned(kVersion)) {
+    return "\"$version\" is not 100000";
+  }
+  const Index top = list.find(root, plain("$top"));
+  if (top == kNone || list.kind(top) != PropertyKind::dictionary) return "\"$top\" is no dictionary";
+  const Index objects = list.find(root, plain("$objects"));
+  if (objects == kNone || list.kind(objects) != PropertyKind::array) {
+    return "\"$objects\" is no array";
+  }
+  f.nodes = list.elements(objects);
+  f.objects.resize(f.nodes.size());
+  f.states.resize(f.nodes.size(), State::unread);
+  f.frames.push_back(top);
+  return nullptr;
+}
+
+void forget(Fields& f) {
+  f.frames.clear();
+  f.nodes = {};
+  f.objects.clear();
+  f.states.clear();
+  f.classes.clear();
+  f.list = PropertyList();
+  f.data = nullptr;
+}
+
+// --- Values --------------------------------------------------------------------------------------
+
+// The node under a key of the object that is being read; kNone when there is none.
+Index find(const NSKeyedUnarchiver& self, SEL selector, const NSString& key) {
+  detail::requireArgument(self, selector, key);
+  const Fields& f = fields(self);
+  if (f.frames.empty()) {
+    detail::raiseIn("NSInvalidUnarchiveOperationException", self, selector,
+                    "decoding is finished, or was not begun");
+  }
+  const detail::StringText text(key);
+  if (text.view().empty() || text.view()[0] != u'$') return f.list.find(f.frames.back(), text);
+  internal::Text escaped(plain("$"));
+  escaped.append(text.view());
+  return f.list.find(f.frames.back(), escaped);
+}
+
+// A number that stands elsewhere, as an object, is a number too.
+Index findNumber(const NSKeyedUnarchiver& self, SEL selector, const NSString& key) {
+  const Fields& f = fields(self);
+  const Index node = find(self, selector, key);
+  if (node == kNone || f.list.kind(node) != PropertyKind::uid) return node;
+  const std::uint64_t uid = f.list.uid(node);
+  return uid < f.nodes.size() ? f.nodes[uid] : kNone;
+}
+
+template <class T>
+T clamped(double value) {
+  if (std::isnan(value)) return 0;
+  if (value >= static_cast<double>(std::numeric_limits<T>::max())) return std::numeric_limits<T>::max();
+  if (value <= static_cast<double>(std::numeric_limits<T>::min())) return std::numeric_limits<T>::min();
+  return static_cast<T>(value);
+}
+
+template <class T>
+T clamped(PropertyInteger value) {
+  // What is written as unsigned 64 bits keeps its bits.
+  if constexpr (sizeof(T) == 8) return static_cast<T>(value.low);
+  if (!value.fitsSigned()) return clamped<T>(value.asReal());
+  const std::int64_t number = value.asSigned();
+  if (number > std::numeric_limits<T>::max()) return std::numeric_limits<T>::max();
+  if (number < std::numeric_limits<T>::min()) return std::numeric_limits<T>::min();
+  return static_cast<T>(number);
+}
+
+template <class T>
+T readNumber(const PropertyList& list, Index node) {
+  if (node == kNone) return T{};
+  switch (list.kind(node)) {
+    case PropertyKind::boolean: return static_cast<T>(list.boolean(node));
+    case PropertyKind::real: {
+      if constexpr (std::is_same_v<T, bool>) return list.real(node) != 0;
+      else if constexpr (std::floating_point<T>) return static_cast<T>(list.real(node));
+      else return clamped<T>(list.real(node));
+    }
+    case PropertyKind::integer: {
+      if constexpr (std::is_same_v<T, bool>) return list.integer(node) != PropertyInteger();
+      else if constexpr (std::floating_point<T>) return static_cast<T>(list.integer(node).asReal());
+      else return clamped<T>(list.integer(node));
+    }
+    default: return T{};
+  }
+}
+
+template <FixedString Name, class T>
+constexpr MethodDefinition numberDecoder() {
+  return method<Name>([](const NSKeyedUnarchiver& self, Cmd cmd, const NSString& key) -> T {
+    return readNumber<T>(fields(self).list, findNumber(self, cmd.selector, key));
+  });
+}
+
+// --- Objects -------------------------------------------------------------------------------------
+
+NSNumber numberFrom(PropertyInteger value) {
+  if (value.fitsSigned()) return NSNumber::numberWithLongLong(value.asSigned());
+  if (value.fitsUnsigned()) return NSNumber::numberWithUnsignedLongLong(value.low);
+  return NSNumber::numberWithDouble(value.asReal());
+}
+
+// Strings, numbers, data and dates stand in the archive as such; nil for every other node.
+id plainObject(const PropertyList& list, Index node) {
+  switch (list.kind(node)) {
+    case PropertyKind::string: return detail::makeString(list.string(node));
+    case PropertyKind::integer: return numberFrom(list.integer(node));
+    case PropertyKind::real: return NSNumber::numberWithDouble(list.real(node));
+    case PropertyKind::boolean: return NSNumber::numberWithBool(list.boolean(node));
+    case PropertyKind::data: return NSData(list.data(node));
+    case PropertyKind::date: return NSDate::dateWithTimeIntervalSinceReferenceDate(list.date(node));
+    default: return nullptr;
+  }
+}
+
+Index nodeOfUid(const Fields& f, std::uint64_t uid) {
+  if (uid >= f.nodes.size()) {
+    raiseBroken("object " + std::to_string(uid) + " of " + std::to_string(f.nodes.size()));
+  }
+  return f.nodes[uid];
+}
+
+// The class that the node describes. Raises when the program does not have it.
+Class classAt(const NSKeyedUnarchiver& self, Index node) {
+  Fields& f = fields(self);
+  const auto known = f.classes.find(node);
+  if (known != f.classes.end()) return known->second;
+  const Index name = f.list.find(node, plain("$classname"));
+  if (name == kNone || f.list.kind(name) != PropertyKind::string) {
+    raiseBroken("a class without a name");
+  }
+  const Index chain = f.list.find(node, plain("$classes"));
+  if (chain != kNone && f.list.kind(chain) != PropertyKind::array) {
+    raiseBroken("a class whose superclasses are no array");
+  }
+  const NSString text = detail::makeString(f.list.string(name));
+  const std::string bytes(text);
+  const auto own = f.names.find(bytes);
+  Class cls = own != f.names.end() ? own->second : sharedClass(bytes);
+  if (!cls) cls = NSClassFromString(text);
+  if (!cls) raiseBroken("cannot decode object of class (" + bytes + "), which is not there");
+  if (!send<"instancesRespondToSelector:", bool>(cls, selector<"initWithCoder:">())) {
+    raiseBroken("cannot decode object of class (" + bytes + "), which has no initWithCoder:");
+  }
+  f.classes.emplace(node, cls);
+  return cls;
+}
+
+// The object that is read now, for the time of its `initWithCoder:`.
+class OpenFrame {
+ public:
+  OpenFrame(Fields& fields, Index node) : fields_(fields) { fields_.frames.push_back(node); }
+  ~OpenFrame() {
+    if (!fields_.frames.empty()) fields_.frames.pop_back();
+  }
+  OpenFrame(const OpenFrame&) = delete;
+  OpenFrame& operator=(const OpenFrame&) = delete;
+
+ private:
+  Fields& fields_;
+};
+
+id objectAt(const NSKeyedUnarchiver& self, std::uint64_t uid) {
+  Fields& f = fields(self);
+  const Index node = nodeOfUid(f, uid);
+  if (f.states[uid] != State::unread) return f.objects[uid];  // underway: not initialised yet
+  const PropertyKind kind = f.list.kind(node);
+  if (kind == PropertyKind::string && f.list.string(node) == plain("$null")) return nullptr;
+  if (kind != PropertyKind::dictionary) {
+    id object = plainObject(f.list, node);
+    if (!object) raiseBroken(std::string(internal::nameOf(kind)) + " where an object belongs");
+    f.objects[uid] = object;
+    f.states[uid] = State::read;
+    return object;
+  }
+  const Index reference = f.list.find(node, plain("$class"));
+  if (reference == kNone || f.list.kind(reference) != PropertyKind::uid) {
+    raiseBroken("an object without a class");
+  }
+  const Index description = nodeOfUid(f, f.list.uid(reference));
+  if (f.list.kind(description) != PropertyKind::dictionary) raiseBroken("a class that is none");
+  detail::requireStack("NSInvalidUnarchiveOperationException");
+
+  const Class cls = classAt(self, description);
+  id object = send<"alloc", id>(cls);
+  f.objects[uid] = object;
+  f.states[uid] = State::underway;
+  {
+    const OpenFrame frame(f, node);
+    object = send<"initWithCoder:", id>(object, self);
+  }
+  if (uid >= f.objects.size()) return object;  // it finished the decoding
+  if (object) object = send<"awakeAfterUsingCoder:", id>(object, self);
+  f.objects[uid] = object;
+  f.states[uid] = State::read;
+  return object;
+}
+
+id decodeObject(const NSKeyedUnarchiver& self, Index node) {
+  const Fields& f = fields(self);
+  if (node == kNone) return nullptr;
+  if (f.list.kind(node) == PropertyKind::uid) return objectAt(self, f.list.uid(node));
+  return plainObject(f.list, node);
+}
+
+NSArray decodeObjects(const NSKeyedUnarchiver& self, Index node) {
+  const Fields& f = fields(self);
+  if (node == kNone || f.list.kind(node) != PropertyKind::array) return nullptr;
+  std::vector<id> objects;
+  // Reading an object does not move the list, but may end the decoding.
+  const std::size_t count = f.list.elements(node).size();
+  for (std::size_t i = 0; i < count; ++i) {
+    if (f.frames.empty()) return nullptr;
+    id object = decodeObject(self, f.list.elements(node)[i]);
+    if (!object) return nullptr;
+    objects.push_back(std::move(object));
+  }
+  return detail::makeArray(std::move(objects));
+}
+
+constexpr MethodDefinition kMethods[] = {
+    classMethod<"unarchiveObjectWithData:">([](const Class& self, const NSData& data) -> id {
+      if (!data) return nullptr;
+      const auto coder =
+          send<"initForReadingWithData:", NSKeyedUnarchiver>(send<"alloc", id>(self), data);
+      id object = coder->decodeObjectForKey(NSKeyedArchiveRootObjectKey);
+      coder->finishDecoding();
+      return object;
+    }),
+    classMethod<"unarchiveObjectWithFile:">([](const Class& self, const NSString& path) -> id {
+      return send<"unarchiveObjectWithData:", id>(self, NSData::dataWithContentsOfFile(path));
+    }),
+    classMethod<"setClass:forClassName:">([](const Class&, const Class& cls, const NSString& name) {
+      SharedClasses& shared = sharedClasses();
+      const std::lock_guard guard(shared.lock);
+      if (cls) shared.classes.insert_or_assign(std::string(name), cls);
+      else shared.classes.erase(std::string(name));
+    }),
+    classMethod<"classForClassName:">(
+        [](const Class&, const NSString& name) { return sharedClass(std::string(name)); }),
+    method<"initForReadingWithData:">(
+        [](const NSKeyedUnarchiver& self, Cmd cmd, const NSData& data) -> id {
+          detail::requireArgument(self, cmd.selector, data);
+          Fields& f = fields(self);
+          f.data = data->copy();
+          std::string error;
+          auto list = internal::readPropertyList(f.data->view(), error);
+          if (list) {
+            f.list = std::move(*list);
+            const char* fault = open(f);
+            if (fault == nullptr) return self;
+            error = fault;
+          }
+          detail::raiseIn("NSInvalidArgumentException", self, cmd.selector,
+                          "the data is no keyed archive: " + error);
+        }),
+    method<"finishDecoding">([](const NSKeyedUnarchiver& self) { forget(fields(self)); }),
+    method<"setClass:forClassName:">(
+        [](const NSKeyedUnarchiver& self, const Class& cls, const NSString& name) {
+          if (cls) fields(self).names.insert_or_assign(std::string(name), cls);
+          else fields(self).names.erase(std::string(name));
+        }),
+    method<"classForClassName:">([](const NSKeyedUnarchiver& self, const NSString& name) -> Class {
+      const auto& names = fields(self).names;
+      const auto found = names.find(std::string(name));
+      return found != names.end() ? found->second : Class();
+    }),
+
+    method<"containsValueForKey:">([](const NSKeyedUnarchiver& self, Cmd cmd, const NSString& key) {
+      return find(self, cmd.selector, key) != kNone;
+    }),
+    method<"decodeObjectForKey:">(
+        [](const NSKeyedUnarchiver& self, Cmd cmd, const NSString& key) -> id {
+          return decodeObject(self, find(self, cmd.selector, key));
+        }),
+    numberDecoder<"decodeBoolForKey:", bool>(),
+    numberDecoder<"decodeIntForKey:", int>(),
+    numberDecoder<"decodeInt32ForKey:", std::int32_t>(),
+    numberDecoder<"decodeInt64ForKey:", std::int64_t>(),
+    numberDecoder<"decodeIntegerForKey:", NSInteger>(),
+    numberDecoder<"decodeFloatForKey:", float>(),
+    numberDecoder<"decodeDoubleForKey:", double>(),
+    method<"decodeBytesForKey:returnedLength:">(
+        [](const NSKeyedUnarchiver& self, Cmd cmd, const NSString& key,
+           NSUInteger* length) -> const void* {
+          const Index node = find(self, cmd.selector, key);
+          const bool isData =
+              node != kNone && fields(self).list.kind(node) == PropertyKind::data;
+          const std::string_view bytes = isData ? fields(self).list.data(node) : std::string_view();
+          if (length != nullptr) *length = bytes.size();
+          return isData ? bytes.data() : nullptr;
+        }),
+    method<"_decodeArrayOfObjectsForKey:">(
+        [](const NSKeyedUnarchiver& self, Cmd cmd, const NSString& key) {
+          const Index node = find(self, cmd.selector, key);
+          if (node != kNone) return decodeObjects(self, node);
+          // The form that coders without arrays write.
+          return sendSuper<NSKeyedUnarchiver, "_decodeArrayOfObjectsForKey:", NSArray>(self, key);
+        }),
+};
+
+constexpr ClassDefinition kDefinition{
+    .name = "NSKeyedUnarchiver", .methods = kMethods, .fields = fieldsDefinition<Fields>()};
+
+}  // namespace
+
+constinit ClassPair<NSKeyedUnarchiver> NSKeyedUnarchiver::classPair{kDefinition};
+constinit const NSString NSInvalidUnarchiveOperationException =
+    "NSInvalidUnarchiveOperationException"_ns;
+
+}  // namespace brindle

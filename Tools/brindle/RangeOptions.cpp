@@ -1,0 +1,135 @@
+#include "RangeOptions.h"
+
+#include <charconv>
+#include <cstdint>
+
+#include <Brindle/Platform/NSCalendar.h>
+#include <Brindle/Platform/NSDateComponents.h>
+#include <Brindle/Platform/NSString.h>
+#include <Brindle/Platform/NSTimeZone.h>
+
+#include "Iso8601.h"
+
+namespace tool {
+namespace {
+
+using namespace brindle;
+
+constexpr RangeName kNames[] = {
+    {BDNamedRangeAll, "all-time"},           {BDNamedRangeThisWeek, "this-week"},
+    {BDNamedRangeThisMonth, "this-month"},   {BDNamedRangeThisQuarter, "this-quarter"},
+    {BDNamedRangeThisYear, "this-year"},     {BDNamedRangeLastWeek, "last-week"},
+    {BDNamedRangeLastMonth, "last-month"},   {BDNamedRangeLastQuarter, "last-quarter"},
+    {BDNamedRangeLastYear, "last-year"},     {BDNamedRangePastWeek, "past-week"},
+    {BDNamedRangePastMonth, "past-month"},   {BDNamedRangePastQuarter, "past-quarter"},
+    {BDNamedRangePastYear, "past-year"},
+};
+
+struct Amount {
+  std::int64_t count;
+  BDTimeUnit unit;
+};
+
+BDTimeUnit unitFrom(std::string_view text) {
+  constexpr std::string_view kUnits[] = {"day", "week", "month", "quarter", "year"};
+  for (std::size_t i = 0; i < std::size(kUnits); ++i) {
+    const std::string_view unit = kUnits[i];
+    if (text == unit || (text.size() == unit.size() + 1 && text.starts_with(unit) &&
+                         text.back() == 's')) {
+      return static_cast<BDTimeUnit>(i);
+    }
+  }
+  throw UsageError("'" + std::string(text) +
+                   "' is no unit: day, week, month, quarter or year is wanted");
+}
+
+/// "-1 week", "-1week", "+3months".
+Amount amountFrom(std::string_view option, std::string_view text) {
+  const std::string_view whole = text;
+  if (text.starts_with('+')) text.remove_prefix(1);
+  std::int64_t count = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+  if (error == std::errc::result_out_of_range) {
+    throw UsageError("the number in '" + std::string(whole) + "' has more than 64 bits");
+  }
+  if (error != std::errc()) {
+    throw UsageError(std::string(option) + " wants a number and a unit, such as '-1 week', not '" +
+                     std::string(whole) + "'");
+  }
+  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+  while (text.starts_with(' ')) text.remove_prefix(1);
+  return {count, unitFrom(text)};
+}
+
+NSUInteger weekdayFrom(std::string_view text) {
+  constexpr std::string_view kDays[] = {"sunday",   "monday", "tuesday", "wednesday",
+                                        "thursday", "friday", "saturday"};
+  for (NSUInteger i = 0; i < std::size(kDays); ++i) {
+    if (text == kDays[i] || text == kDays[i].substr(0, 3) || text == std::to_string(i + 1)) {
+      return i + 1;
+    }
+  }
+  throw UsageError("'" + std::string(text) +
+                   "' is no weekday: sunday (1) to saturday (7) is wanted");
+}
+
+}  // namespace
+
+std::span<const RangeName> rangeNames() { return kNames; }
+
+std::string_view nameOfRange(BDNamedRange range) {
+  for (const RangeName& known : kNames) {
+    if (known.range == range) return known.name;
+  }
+  return {};
+}
+
+void applySettings(const Words& words) {
+  if (const auto name = words.value("--zone")) {
+    const NSTimeZone zone = NSTimeZone::timeZoneWithName(NSString(*name));
+    if (!zone) throw UsageError("there is no time zone '" + std::string(*name) + "' on this system");
+    NSTimeZone::setDefaultTimeZone(zone);
+  }
+  if (const auto day = words.value("--first-weekday")) {
+    const NSCalendar calendar = NSCalendar::currentCalendar();
+    calendar->setFirstWeekday(weekdayFrom(*day));
+    NSCalendar::setCurrentCalendar(calendar);
+  }
+}
+
+NSDate anchorFrom(const Words& words) {
+  const auto text = words.value("--anchor");
+  if (!text || *text == "now") return nullptr;
+  const auto parsed = parseIso(*text);
+  if (!parsed) {
+    throw UsageError("'" + std::string(*text) +
+                     "' is no date: 2026-05-15 or 2026-05-15T13:45:00+02:00 is wanted");
+  }
+  const double utc =
+      static_cast<double>(parsed->days) * 86400 + static_cast<double>(parsed->seconds);
+  if (parsed->offset) {
+    return NSDate::dateWithTimeIntervalSince1970(utc - static_cast<double>(*parsed->offset));
+  }
+  // A local time: the offset that holds there, found from both sides of a change.
+  const NSTimeZone zone = NSTimeZone::defaultTimeZone();
+  double guess = utc;
+  for (int i = 0; i < 2; ++i) {
+    guess = utc - static_cast<double>(
+                      zone->secondsFromGMTForDate(NSDate::dateWithTimeIntervalSince1970(guess)));
+  }
+  return NSDate::dateWithTimeIntervalSince1970(guess);
+}
+
+bool describesRange(const Words& words) {
+  return words.has("--unit") || words.has("--offset") || words.has("--length");
+}
+
+BDDateRange rangeFrom(const Words& words) {
+  const BDTimeUnit unit = unitFrom(words.value("--unit").value_or("day"));
+  const Amount offset = amountFrom("--offset", words.value("--offset").value_or("0 days"));
+  const Amount length = amountFrom("--length", words.value("--length").value_or("0 days"));
+  return BDDateRange::dateRangeWithAnchor(anchorFrom(words), unit, offset.count, offset.unit,
+                                          length.count, length.unit);
+}
+
+}  // namespace tool

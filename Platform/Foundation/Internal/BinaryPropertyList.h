@@ -23,8 +23,8 @@ bool looksLikeBinaryPropertyList(std::string_view bytes) noexcept;
 /// the bytes are no such file. Objects that the top one does not lead to are not looked at.
 std::optional<PropertyList> readBinaryPropertyList(std::string_view bytes, std::string& error);
 
-/// The document as a file. Equal strings, numbers, dates and data become one object; numbers,
-/// offsets and references take as few bytes as they can.
+/// The document, which must have a root, as a file. Equal strings, numbers, dates and data become
+/// one object; numbers, offsets and references take as few bytes as they can.
 std::string writeBinaryPropertyList(const PropertyList& list);
 
 }  // namespace brindle::internal

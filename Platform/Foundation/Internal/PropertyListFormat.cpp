@@ -22,6 +22,10 @@ std::optional<PropertyList> readPropertyList(std::string_view bytes, std::string
 std::optional<std::string> writePropertyList(const PropertyList& list, PropertyListFormat format,
                                              std::string& error) {
   if (format == PropertyListFormat::xml) return writeXmlPropertyList(list, error);
+  if (list.root() == PropertyList::kNone) {
+    error = "binary property list: there is no value";
+    return std::nullopt;
+  }
   return writeBinaryPropertyList(list);
 }
 

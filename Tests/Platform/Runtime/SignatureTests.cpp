@@ -2,10 +2,13 @@
 #include <Brindle/Platform/Encoding.h>
 #include <Brindle/Platform/NSMethodSignature.h>
 
+#include <cstdint>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <Brindle/Platform/Block.h>
+#include <Brindle/Platform/NSInvocation.h>
 #include <gtest/gtest.h>
 
 #include "Tests/Platform/Runtime/RuntimeTesting.h"
@@ -30,8 +33,8 @@ template <>
 struct StructEncoding<Outer> : FieldsEncoding<"Outer", Inner, std::int8_t, const char*, Inner> {};
 namespace {
 
-/// Adds a method of that type; a send with the same types must pass the check of its wire codes, which
-/// are read from the encoding's text here.
+/// Adds a method of that type; a send with the same types must pass the check of its wire codes,
+/// which are read from the encoding's text here.
 template <class R, class... A>
 void expectAgreement(const A&... arguments) {
   const char* types = detail::methodTypes<R, A...>.c_str();
@@ -49,8 +52,9 @@ void expectAgreement(const A&... arguments) {
   const SEL s = uniqueSelector("agreed");
   // A forwarding entry is known to nobody, so its wire codes come from the encoding.
   class_addMethod(cls, s, forwardingImplementation(types), types);
-  EXPECT_NE(raised([&] { sendSelector<R>(send<"new", id>(cls), s, arguments...); })
-                .find("unrecognized selector"),
+  EXPECT_NE(raised([&] {
+              sendSelector<R>(send<"new", id>(cls), s, arguments...);
+            }).find("unrecognized selector"),
             std::string::npos)
       << types;
 }
@@ -99,6 +103,66 @@ TEST(SignatureTest, AMethodWhoseTypesAreNoEncodingHasNoSignature) {
   const NSObject object = cast<NSObject>(send<"new", id>(cls));
   EXPECT_FALSE(object->methodSignatureForSelector(selector<"odd">()));
   EXPECT_EQ((send<"odd", int>(object)), 4) << "it can be sent all the same";
+}
+
+/// What a method answers to an invocation.
+template <class R, class F, class... A>
+R invoked(F body, const A&... arguments) {
+  const Class cls = makeClass(NSObject::class_());
+  const SEL s = uniqueSelector("invoked");
+  const TypedImplementation code = implementation(body);
+  class_addMethod(cls, s, code.implementation, code.types);
+  const NSInvocation call = NSInvocation::invocationWithMethodSignature(
+      NSMethodSignature::signatureWithObjCTypes(code.types));
+  call->setSelector(s);
+  NSUInteger index = 2;
+  (call->setArgument(index++, arguments), ...);
+  call->invokeWithTarget(send<"new", id>(cls));
+  if constexpr (!std::is_void_v<R>) return call->template result<R>();
+}
+
+std::string told;
+
+TEST(SignatureTest, CommonShapesAreCalledWithTheirOwnTypes) {
+  const NSObject a = NSObject::new_();
+  const NSObject b = NSObject::new_();
+  invoked<void>([](const NSObject&) { told = "v"; });
+  EXPECT_EQ(told, "v");
+  invoked<void>([](const NSObject&, const id& x) { told = x ? "v@" : ""; }, a);
+  EXPECT_EQ(told, "v@");
+  invoked<void>([](const NSObject&, const id& x, const id& y) { told = x && !y ? "v@@" : ""; }, a,
+                NSObject());
+  EXPECT_EQ(told, "v@@");
+  invoked<void>([](const NSObject&, bool x) { told = x ? "vb" : ""; }, true);
+  EXPECT_EQ(told, "vb");
+  invoked<void>([](const NSObject&, int x) { told = std::to_string(x); }, -5);
+  EXPECT_EQ(told, "-5");
+  invoked<void>([](const NSObject&, NSInteger x) { told = std::to_string(x); }, NSInteger{-6});
+  EXPECT_EQ(told, "-6");
+  invoked<void>([](const NSObject&, double x) { told = x == 2.5 ? "vd" : ""; }, 2.5);
+  EXPECT_EQ(told, "vd");
+
+  EXPECT_EQ(
+      (invoked<id>([](const NSObject&) -> id { return NSObject::new_(); })).record()->count.load(),
+      1u);
+  EXPECT_TRUE((invoked<id>([](const NSObject&, const id& x) -> id { return x; }, a)) == a);
+  EXPECT_TRUE(
+      (invoked<id>([](const NSObject&, const id&, const id& y) -> id { return y; }, a, b)) == b);
+  EXPECT_TRUE((invoked<id>(
+                  [](const NSObject&, NSInteger x) -> id {
+                    return class_createInstance(x < 0 ? Class() : Class(NSObject::class_()), 0);
+                  },
+                  NSInteger{-1})) == nullptr);
+  EXPECT_TRUE((invoked<bool>([](const NSObject&) { return true; })));
+  EXPECT_FALSE((invoked<bool>([](const NSObject& self, const id& x) { return self == x; }, a)));
+  EXPECT_EQ((invoked<int>([](const NSObject&) { return -7; })), -7);
+  EXPECT_EQ((invoked<NSInteger>([](const NSObject&) -> NSInteger { return INT64_MIN; })),
+            INT64_MIN);
+  EXPECT_EQ((invoked<NSInteger>([](const NSObject&, const id& x) -> NSInteger { return x ? 1 : 2; },
+                                NSObject())),
+            2);
+  EXPECT_EQ((invoked<double>([](const NSObject&) { return -0.125; })), -0.125);
+  EXPECT_EQ(a->retainCount(), 1u);
 }
 
 }  // namespace

@@ -78,7 +78,9 @@ class Reader {
 
   // Reads the top object and all that it leads to, depth first, and measures how deep that is.
   bool readObjects() {
+    list_.reserve(count_);
     list_.addNodes(count_);
+    frames_.reserve(8);
     heights_.assign(count_, kUnread);
     room_ = 4 * bytes_.size();
     if (!readObject(static_cast<Index>(top_))) return false;

@@ -21,7 +21,7 @@ class Writer {
   std::string write() {
     number();
     referenceSize_ = bytesFor(objects_.size() - 1);
-    out_.reserve(objects_.size() * 16 + kTrailerSize);
+    out_.reserve(objects_.size() * 16 + 128);
     out_ = kMagic;
     std::vector<std::size_t> offsets;
     offsets.reserve(objects_.size());
@@ -51,7 +51,10 @@ class Writer {
   void number() {
     numbers_.assign(list_.size(), kUnnumbered);
     slots_.assign(std::bit_ceil(list_.size() * 2 + 2), kUnnumbered);
-    std::vector<Index> waiting{list_.root()};
+    objects_.reserve(list_.size());
+    std::vector<Index> waiting;
+    waiting.reserve(list_.size() + 1);
+    waiting.push_back(list_.root());
     while (!waiting.empty()) {
       const Index node = waiting.back();
       waiting.pop_back();

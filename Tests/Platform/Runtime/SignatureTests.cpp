@@ -121,26 +121,26 @@ R invoked(F body, const A&... arguments) {
   if constexpr (!std::is_void_v<R>) return call->template result<R>();
 }
 
-std::string told;
+double told = 0;
 
 TEST(SignatureTest, CommonShapesAreCalledWithTheirOwnTypes) {
   const NSObject a = NSObject::new_();
   const NSObject b = NSObject::new_();
-  invoked<void>([](const NSObject&) { told = "v"; });
-  EXPECT_EQ(told, "v");
-  invoked<void>([](const NSObject&, const id& x) { told = x ? "v@" : ""; }, a);
-  EXPECT_EQ(told, "v@");
-  invoked<void>([](const NSObject&, const id& x, const id& y) { told = x && !y ? "v@@" : ""; }, a,
+  invoked<void>([](const NSObject&) { told = 1; });
+  EXPECT_EQ(told, 1);
+  invoked<void>([](const NSObject&, const id& x) { told = x ? 2 : 0; }, a);
+  EXPECT_EQ(told, 2);
+  invoked<void>([](const NSObject&, const id& x, const id& y) { told = x && !y ? 3 : 0; }, a,
                 NSObject());
-  EXPECT_EQ(told, "v@@");
-  invoked<void>([](const NSObject&, bool x) { told = x ? "vb" : ""; }, true);
-  EXPECT_EQ(told, "vb");
-  invoked<void>([](const NSObject&, int x) { told = std::to_string(x); }, -5);
-  EXPECT_EQ(told, "-5");
-  invoked<void>([](const NSObject&, NSInteger x) { told = std::to_string(x); }, NSInteger{-6});
-  EXPECT_EQ(told, "-6");
-  invoked<void>([](const NSObject&, double x) { told = x == 2.5 ? "vd" : ""; }, 2.5);
-  EXPECT_EQ(told, "vd");
+  EXPECT_EQ(told, 3);
+  invoked<void>([](const NSObject&, bool x) { told = x ? 4 : 0; }, true);
+  EXPECT_EQ(told, 4);
+  invoked<void>([](const NSObject&, int x) { told = x; }, -5);
+  EXPECT_EQ(told, -5);
+  invoked<void>([](const NSObject&, NSInteger x) { told = static_cast<double>(x); }, NSInteger{-6});
+  EXPECT_EQ(told, -6);
+  invoked<void>([](const NSObject&, double x) { told = x; }, 2.5);
+  EXPECT_EQ(told, 2.5);
 
   EXPECT_EQ(
       (invoked<id>([](const NSObject&) -> id { return NSObject::new_(); })).record()->count.load(),

@@ -22,8 +22,9 @@ bool looksLikeXmlPropertyList(std::string_view bytes) noexcept;
 std::optional<PropertyList> readXmlPropertyList(std::string_view bytes, std::string& error);
 
 /// The document as a file in UTF-8, indented with tabs. Dates are written in whole seconds. Nothing
-/// when it is empty or holds what XML cannot: null, a set, a character that XML forbids, a date that
-/// is no number, or containers that are held so often that writing each time would take too much.
+/// when it is empty or holds what XML cannot: null, a set, a character that XML forbids, a date
+/// that is no number, or containers that are held so often that writing each time would take too
+/// much.
 std::optional<std::string> writeXmlPropertyList(const PropertyList& list, std::string& error);
 
 }  // namespace brindle::internal

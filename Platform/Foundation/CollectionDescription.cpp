@@ -1,12 +1,13 @@
 #include "Platform/Foundation/Internal/CollectionDescription.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <vector>
 
-#include <Brindle/Platform/NSArray.h>
-#include <Brindle/Platform/NSDictionary.h>
-#include <Brindle/Platform/NSSet.h>
-
+#include "Platform/Foundation/Internal/ArrayStorage.h"
+#include "Platform/Foundation/Internal/DictionaryStorage.h"
+#include "Platform/Foundation/Internal/SetStorage.h"
 #include "Platform/Foundation/Internal/StringAccess.h"
 
 namespace brindle::detail {
@@ -72,8 +73,7 @@ void appendMember(Text& text, const id& member, NSUInteger level) {
 }
 
 // "(", members with commas, ")".
-template <class Members>
-void appendRow(Text& text, const Members& members, NSUInteger level, const char* open,
+void appendRow(Text& text, const std::vector<id>& members, NSUInteger level, const char* open,
                const char* close) {
   text.append(plain(open));
   bool first = true;
@@ -90,29 +90,52 @@ void appendRow(Text& text, const Members& members, NSUInteger level, const char*
 
 void appendEntries(Text& text, const NSDictionary& dictionary, NSUInteger level) {
   text.append(plain("{\n"));
-  for (const id& key : dictionary) {
+  for (const auto& [key, value] : copyEntries(dictionary)) {
     appendIndent(text, level + 1);
     appendMember(text, key, level + 1);
     text.append(plain(" = "));
-    appendMember(text, dictionary->objectForKey(key), level + 1);
+    appendMember(text, value, level + 1);
     text.append(plain(";\n"));
   }
   appendIndent(text, level);
   text.append(plain("}"));
 }
 
+// The collections that this thread is describing, from the outermost on.
+class Described {
+ public:
+  explicit Described(const id& collection)
+      : again_(std::find(path().begin(), path().end(), collection.record()) != path().end()) {
+    path().push_back(collection.record());
+  }
+  Described(const Described&) = delete;
+  Described& operator=(const Described&) = delete;
+  ~Described() { path().pop_back(); }
+
+  [[nodiscard]] bool again() const noexcept { return again_; }
+
+ private:
+  static std::vector<const ObjectRecord*>& path() {
+    thread_local std::vector<const ObjectRecord*> path;
+    return path;
+  }
+
+  bool again_;
+};
+
 }  // namespace
 
 NSString describeCollection(const id& collection, NSUInteger level) {
+  const Described described(collection);
   Text text;
-  if (level > kDeepest) {
+  if (level > kDeepest || described.again()) {
     text.append(plain("..."));
   } else if (isa<NSDictionary>(collection)) {
     appendEntries(text, uncheckedCast<NSDictionary>(collection), level);
   } else if (isa<NSSet>(collection)) {
-    appendRow(text, uncheckedCast<NSSet>(collection), level, "{(", ")}");
+    appendRow(text, copyMembers(uncheckedCast<NSSet>(collection)), level, "{(", ")}");
   } else {
-    appendRow(text, uncheckedCast<NSArray>(collection), level, "(", ")");
+    appendRow(text, copyItems(uncheckedCast<NSArray>(collection)), level, "(", ")");
   }
   return makeString(text);
 }

@@ -84,12 +84,13 @@ constexpr MethodDefinition kMethods[] = {
       for (NSUInteger i = 0; i < count; ++i) {
         detail::requireArgument(self, cmd.selector, objects[i], i);
       }
-      storageOf(self).items.assign(objects, objects + count);
+      std::vector<id> items(objects, objects + count);
+      storageOf(self).items.swap(items);
       return self;
     }),
     method<"initWithArray:">([](const NSArray& self, const NSArray& other) -> id {
-      const ArrayItems items(other);
-      return self->initWithObjects(items.items().data(), items.size());
+      const std::vector<id> items = detail::copyItems(other);
+      return self->initWithObjects(items.data(), items.size());
     }),
 
     method<"count">([](const NSArray& self) -> NSUInteger { return storageOf(self).items.size(); }),
@@ -126,10 +127,12 @@ constexpr MethodDefinition kMethods[] = {
         [](const NSArray& self, const NSArray& other) { return areEqual(self, other); }),
     method<"hash">([](const NSArray& self) { return self->count(); }),
 
-    method<"objectEnumerator">(
-        [](const NSArray& self) { return detail::makeEnumerator(self); }),
-    method<"reverseObjectEnumerator">(
-        [](const NSArray& self) { return detail::makeReverseEnumerator(self); }),
+    method<"objectEnumerator">([](const NSArray& self) {
+      return detail::makeArrayEnumerator(self, detail::Direction::kForwards);
+    }),
+    method<"reverseObjectEnumerator">([](const NSArray& self) {
+      return detail::makeArrayEnumerator(self, detail::Direction::kBackwards);
+    }),
     method<"countByEnumeratingWithState:objects:count:">(
         [](const NSArray& self, NSFastEnumerationState* state, ObjectRecord** buffer,
            NSUInteger room) -> NSUInteger {
@@ -172,10 +175,11 @@ constexpr MethodDefinition kMethods[] = {
     }),
     method<"componentsJoinedByString:">([](const NSArray& self, const NSString& separator) {
       internal::Text text;
-      const detail::StringText between(separator);
+      internal::Text between;  // a copy: the members' descriptions may be a client's
+      between.append(detail::StringText(separator).view());
       bool first = true;
       for (const id& member : detail::copyItems(self)) {
-        if (!first) text.append(between.view());
+        if (!first) text.append(between);
         first = false;
         detail::describeObject(text, member.record());
       }

@@ -15,30 +15,14 @@
 namespace brindle {
 namespace {
 
-using detail::ArrayItems;
+using detail::copyEntries;
 using detail::ObjectTable;
 using detail::tableOf;
-
-using Entries = std::vector<std::pair<id, id>>;
-
-// The entries, owned, so that a client's code can do no harm to who goes through them.
-Entries entriesOf(const NSDictionary& self) {
-  Entries entries;
-  if (!self) return entries;
-  if (detail::isLibraryDictionary(self)) {
-    for (const auto& entry : tableOf(self).entries()) {
-      if (entry.key) entries.emplace_back(entry.key, entry.value);
-    }
-  } else {
-    for (const id& key : self->keyEnumerator()) entries.emplace_back(key, self->objectForKey(key));
-  }
-  return entries;
-}
 
 bool areEqual(const NSDictionary& self, const NSDictionary& other) {
   if (self == other) return true;
   if (!other || self->count() != other->count()) return false;
-  for (const auto& [key, value] : entriesOf(self)) {
+  for (const auto& [key, value] : copyEntries(self)) {
     const id its = other->objectForKey(key);
     if (!its || !detail::sameOrEqual(value, its)) return false;
   }
@@ -58,14 +42,14 @@ constexpr MethodDefinition kMethods[] = {
         }),
     classMethod<"dictionaryWithObjects:forKeys:">(
         [](const Class& self, Cmd cmd, const NSArray& objects, const NSArray& keys) {
-          const ArrayItems values(objects);
-          const ArrayItems names(keys);
+          const std::vector<id> values = detail::copyItems(objects);
+          const std::vector<id> names = detail::copyItems(keys);
           if (values.size() != names.size()) {
             detail::raiseIn("NSInvalidArgumentException", self, cmd.selector,
                             std::to_string(values.size()) + " objects for " +
                                 std::to_string(names.size()) + " keys");
           }
-          return makeOfClass(self, values.items().data(), names.items().data(), values.size());
+          return makeOfClass(self, values.data(), names.data(), values.size());
         }),
     classMethod<"dictionaryWithObjects:forKeys:count:">(
         [](const Class& self, const id* objects, const id* keys, NSUInteger count) {
@@ -80,18 +64,19 @@ constexpr MethodDefinition kMethods[] = {
     method<"initWithObjects:forKeys:count:">([](const NSDictionary& self, Cmd cmd,
                                                 const id* objects, const id* keys,
                                                 NSUInteger count) -> id {
-      ObjectTable& table = tableOf(self);
+      ObjectTable table;
       for (NSUInteger i = 0; i < count; ++i) {
         detail::requireArgument(self, cmd.selector, objects[i], i);
         detail::requireArgument(self, cmd.selector, keys[i], i);
         table.insert(detail::copyKey(keys[i]), objects[i], true);
       }
+      tableOf(self).swapEntries(table);
       return self;
     }),
     method<"initWithDictionary:">([](const NSDictionary& self, const NSDictionary& other) -> id {
       std::vector<id> objects;
       std::vector<id> keys;
-      for (auto& [key, value] : entriesOf(other)) {
+      for (auto& [key, value] : copyEntries(other)) {
         keys.push_back(std::move(key));
         objects.push_back(std::move(value));
       }
@@ -106,17 +91,17 @@ constexpr MethodDefinition kMethods[] = {
     }),
     method<"allKeys">([](const NSDictionary& self) {
       std::vector<id> keys;
-      for (auto& [key, value] : entriesOf(self)) keys.push_back(std::move(key));
+      for (auto& [key, value] : copyEntries(self)) keys.push_back(std::move(key));
       return detail::makeArray(std::move(keys));
     }),
     method<"allValues">([](const NSDictionary& self) {
       std::vector<id> values;
-      for (auto& [key, value] : entriesOf(self)) values.push_back(std::move(value));
+      for (auto& [key, value] : copyEntries(self)) values.push_back(std::move(value));
       return detail::makeArray(std::move(values));
     }),
     method<"allKeysForObject:">([](const NSDictionary& self, const id& object) {
       std::vector<id> keys;
-      for (auto& [key, value] : entriesOf(self)) {
+      for (auto& [key, value] : copyEntries(self)) {
         if (object && detail::sameOrEqual(object, value)) keys.push_back(std::move(key));
       }
       return detail::makeArray(std::move(keys));
@@ -131,22 +116,26 @@ constexpr MethodDefinition kMethods[] = {
           }
           return detail::makeArray(std::move(values));
         }),
-    method<"keyEnumerator">(
-        [](const NSDictionary& self) { return detail::makeEnumerator(self); }),
+    method<"keyEnumerator">([](const NSDictionary& self) {
+      return detail::makeTableEnumerator(self, tableOf(self), detail::Column::kKeys);
+    }),
     method<"objectEnumerator">([](const NSDictionary& self) {
-      return detail::makeEnumerator(self->allValues());
+      if (detail::isLibraryDictionary(self)) {
+        return detail::makeTableEnumerator(self, tableOf(self), detail::Column::kValues);
+      }
+      return self->allValues()->objectEnumerator();
     }),
     method<"countByEnumeratingWithState:objects:count:">(
         [](const NSDictionary& self, NSFastEnumerationState* state, ObjectRecord** buffer,
            NSUInteger room) -> NSUInteger {
           if (detail::isLibraryDictionary(self)) {
-            return detail::enumerateKeys(tableOf(self), *state, buffer, room);
+            return detail::enumerateKeys(self, tableOf(self), *state, buffer, room);
           }
           // A subclass is asked for its keys once.
           state->mutationsPtr = tableOf(self).mutations();
           if (state->state++ > 0) return 0;
           const NSArray keys = self->keyEnumerator()->allObjects()->autorelease();
-          const ArrayItems items(keys);
+          const detail::ArrayItems items(keys);
           state->itemsPtr = items.items().data();
           return items.size();
         }),
@@ -200,7 +189,25 @@ bool isLibraryDictionary(const NSDictionary& dictionary) noexcept {
 }
 
 id copyKey(const id& key) {
-  return send<"copyWithZone:", id>(key, static_cast<NSZone*>(nullptr));
+  const auto copy = send<"copyWithZone:", id>(key, static_cast<NSZone*>(nullptr));
+  if (!copy) raise("NSInvalidArgumentException", "a key has nil for its copy");
+  return copy;
+}
+
+std::vector<DictionaryEntry> copyEntries(const NSDictionary& dictionary) {
+  std::vector<DictionaryEntry> entries;
+  if (!dictionary) return entries;
+  if (isLibraryDictionary(dictionary)) {
+    for (const auto& entry : tableOf(dictionary).entries()) {
+      if (entry.key) entries.push_back({entry.key, entry.value});
+    }
+    return entries;
+  }
+  for (const id& key : dictionary->keyEnumerator()) {
+    const id value = dictionary->objectForKey(key);
+    if (value) entries.push_back({key, value});
+  }
+  return entries;
 }
 
 }  // namespace detail

@@ -1,6 +1,5 @@
 #include <Brindle/Platform/NSEnumerator.h>
 
-#include <memory>
 #include <vector>
 
 #include <Brindle/Platform/Definition.h>
@@ -14,8 +13,12 @@
 namespace brindle {
 namespace {
 
+using detail::Column;
+using detail::Direction;
+using detail::ObjectTable;
+
 struct Fields {
-  std::unique_ptr<id> current;  // keeps the members of a batch while they are enumerated
+  id current;  // the batch that a loop sees; in place, so that a second loop finds it changed, not gone
 };
 
 unsigned long neverMutated = 0;
@@ -35,10 +38,10 @@ constexpr MethodDefinition kMethods[] = {
         [](const NSEnumerator& self, NSFastEnumerationState* state, ObjectRecord**,
            NSUInteger) -> NSUInteger {
           Fields& fields = fieldsOf<Fields>(self);
-          fields.current = std::make_unique<id>(self->nextObject());
+          fields.current = self->nextObject();
           state->mutationsPtr = &neverMutated;
-          state->itemsPtr = fields.current.get();
-          return *fields.current ? 1 : 0;
+          state->itemsPtr = &fields.current;
+          return fields.current ? 1 : 0;
         }),
 };
 
@@ -49,74 +52,85 @@ constexpr ClassDefinition kDefinition{.name = "NSEnumerator",
                                       .protocols = kProtocols,
                                       .fields = fieldsDefinition<Fields>()};
 
-// --- Over a collection ---------------------------------------------------------------------------
+// --- Over an array -------------------------------------------------------------------------------
 
-class CollectionEnumerator : public Interface<CollectionEnumerator, NSEnumerator> {
+class ArrayEnumerator : public Interface<ArrayEnumerator, NSEnumerator> {
  public:
   using Interface::Interface;
-  static ClassPair<CollectionEnumerator> classPair;
+  static ClassPair<ArrayEnumerator> classPair;
 };
 
-struct CollectionFields {
-  id collection;
-  std::unique_ptr<NSFastEnumerationIterator> iterator;
-};
-
-constexpr MethodDefinition kCollectionMethods[] = {
-    method<"nextObject">([](const CollectionEnumerator& self) -> id {
-      auto& fields = fieldsOf<CollectionFields>(self);
-      if (!fields.collection) return nullptr;
-      if (fields.iterator == nullptr) {
-        fields.iterator = std::make_unique<NSFastEnumerationIterator>(fields.collection);
-      } else {
-        ++*fields.iterator;
-      }
-      if (*fields.iterator == NSFastEnumerationEnd{}) {
-        fields.iterator = nullptr;
-        fields.collection = nullptr;
-        return nullptr;
-      }
-      return **fields.iterator;
-    }),
-};
-
-constexpr ClassDefinition kCollectionDefinition{.name = "NSCollectionEnumerator",
-                                                .methods = kCollectionMethods,
-                                                .fields = fieldsDefinition<CollectionFields>()};
-
-constinit ClassPair<CollectionEnumerator> CollectionEnumerator::classPair{kCollectionDefinition};
-
-// --- Over an array, backwards --------------------------------------------------------------------
-
-class ReverseEnumerator : public Interface<ReverseEnumerator, NSEnumerator> {
- public:
-  using Interface::Interface;
-  static ClassPair<ReverseEnumerator> classPair;
-};
-
-struct ReverseFields {
+struct ArrayFields {
   Field<NSArray> array;
+  Direction direction = Direction::kForwards;
+  NSUInteger count = 0;
   NSUInteger left = 0;
+  unsigned long mutations = 0;
 };
 
-constexpr MethodDefinition kReverseMethods[] = {
-    method<"nextObject">([](const ReverseEnumerator& self) -> id {
-      auto& fields = fieldsOf<ReverseFields>(self);
+constexpr MethodDefinition kArrayMethods[] = {
+    method<"nextObject">([](const ArrayEnumerator& self) -> id {
+      auto& fields = fieldsOf<ArrayFields>(self);
       const NSArray array = fields.array;
-      if (fields.left > array->count()) detail::raiseMutated(array);
       if (fields.left == 0) {
         fields.array = nullptr;
         return nullptr;
       }
-      return array->objectAtIndex(--fields.left);
+      const NSUInteger index =
+          fields.direction == Direction::kForwards ? fields.count - fields.left : fields.left - 1;
+      // A client's class has no count of its changes: only what is missing can be told.
+      if (detail::storageOf(array).mutations != fields.mutations || index >= array->count()) {
+        detail::raiseMutated(array);
+      }
+      --fields.left;
+      return array->objectAtIndex(index);
     }),
 };
 
-constexpr ClassDefinition kReverseDefinition{.name = "NSReverseEnumerator",
-                                             .methods = kReverseMethods,
-                                             .fields = fieldsDefinition<ReverseFields>()};
+constexpr ClassDefinition kArrayDefinition{.name = "NSArrayEnumerator",
+                                           .methods = kArrayMethods,
+                                           .fields = fieldsDefinition<ArrayFields>()};
 
-constinit ClassPair<ReverseEnumerator> ReverseEnumerator::classPair{kReverseDefinition};
+constinit ClassPair<ArrayEnumerator> ArrayEnumerator::classPair{kArrayDefinition};
+
+// --- Over a dictionary or a set ------------------------------------------------------------------
+
+class TableEnumerator : public Interface<TableEnumerator, NSEnumerator> {
+ public:
+  using Interface::Interface;
+  static ClassPair<TableEnumerator> classPair;
+};
+
+struct TableFields {
+  id collection;
+  ObjectTable* table = nullptr;  // the collection's
+  Column column = Column::kKeys;
+  std::size_t place = 0;
+  std::size_t left = 0;
+  unsigned long mutations = 0;
+};
+
+constexpr MethodDefinition kTableMethods[] = {
+    method<"nextObject">([](const TableEnumerator& self) -> id {
+      auto& fields = fieldsOf<TableFields>(self);
+      if (fields.left == 0) {
+        fields.collection = nullptr;
+        return nullptr;
+      }
+      if (*fields.table->mutations() != fields.mutations) detail::raiseMutated(fields.collection);
+      --fields.left;
+      const auto& entries = fields.table->entries();
+      while (!entries[fields.place].key) ++fields.place;
+      const ObjectTable::Entry& entry = entries[fields.place++];
+      return fields.column == Column::kKeys ? entry.key : entry.value;
+    }),
+};
+
+constexpr ClassDefinition kTableDefinition{.name = "NSTableEnumerator",
+                                           .methods = kTableMethods,
+                                           .fields = fieldsDefinition<TableFields>()};
+
+constinit ClassPair<TableEnumerator> TableEnumerator::classPair{kTableDefinition};
 
 }  // namespace
 
@@ -126,17 +140,24 @@ NSArray NSEnumerator::allObjects() const { return send<"allObjects", NSArray>(*t
 
 namespace detail {
 
-NSEnumerator makeEnumerator(const id& collection) {
-  CollectionEnumerator enumerator = CollectionEnumerator::new_();
-  fieldsOf<CollectionFields>(enumerator).collection = collection;
+NSEnumerator makeArrayEnumerator(const NSArray& array, Direction direction) {
+  ArrayEnumerator enumerator = ArrayEnumerator::new_();
+  auto& fields = fieldsOf<ArrayFields>(enumerator);
+  fields.array = array;
+  fields.direction = direction;
+  fields.count = fields.left = array->count();
+  fields.mutations = storageOf(array).mutations;
   return enumerator;
 }
 
-NSEnumerator makeReverseEnumerator(const NSArray& array) {
-  ReverseEnumerator enumerator = ReverseEnumerator::new_();
-  auto& fields = fieldsOf<ReverseFields>(enumerator);
-  fields.array = array;
-  fields.left = array->count();
+NSEnumerator makeTableEnumerator(const id& collection, ObjectTable& table, Column column) {
+  TableEnumerator enumerator = TableEnumerator::new_();
+  auto& fields = fieldsOf<TableFields>(enumerator);
+  fields.collection = collection;
+  fields.table = &table;
+  fields.column = column;
+  fields.left = table.count();
+  fields.mutations = *table.mutations();
   return enumerator;
 }
 

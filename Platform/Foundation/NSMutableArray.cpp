@@ -1,6 +1,7 @@
 #include <Brindle/Platform/NSMutableArray.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include <Brindle/Platform/Definition.h>
 
@@ -30,15 +31,35 @@ void requireIndex(const NSMutableArray& self, SEL selector, NSUInteger index, NS
 // may run a client's code.
 void removePlace(const NSMutableArray& self, NSUInteger index) {
   auto& items = changed(self);
-  const id removed = std::move(items[index]);
+  id removed = std::move(items[index]);
   items.erase(items.begin() + static_cast<std::ptrdiff_t>(index));
+  removed = nullptr;  // not at the brace: its end may raise
+}
+
+// In one go, unless a question to the members changed the array meanwhile.
+template <class Predicate>
+bool removeAtOnce(const NSMutableArray& self, const Predicate& goes) {
+  const unsigned long before = storageOf(self).mutations;
+  std::vector<id> kept;
+  std::vector<id> removed;
+  for (id& member : detail::copyItems(self)) {
+    auto& side = goes(member) ? removed : kept;
+    side.push_back(std::move(member));
+  }
+  if (storageOf(self).mutations != before) return false;
+  if (!removed.empty()) changed(self).swap(kept);
+  return true;
 }
 
 template <class Predicate>
 void removeWhere(const NSMutableArray& self, const Predicate& goes) {
+  if (detail::isLibraryArray(self) && removeAtOnce(self, goes)) return;
   // Backwards, so that the places still to be looked at stay where they are.
   for (NSUInteger i = self->count(); i-- > 0;) {
-    if (i < self->count() && goes(self->objectAtIndex(i))) self->removeObjectAtIndex(i);
+    if (i >= self->count()) continue;
+    const id member = self->objectAtIndex(i);
+    if (!goes(member)) continue;
+    if (i < self->count() && self->objectAtIndex(i) == member) self->removeObjectAtIndex(i);
   }
 }
 
@@ -52,6 +73,18 @@ void replaceAll(const NSMutableArray& self, std::vector<id> items) {
 }
 
 constexpr MethodDefinition kMethods[] = {
+    // By messages for a client's class, which keeps its members elsewhere.
+    method<"initWithObjects:count:">([](const NSMutableArray& self, const id* objects,
+                                        NSUInteger count) -> id {
+      if (detail::isLibraryArray(self)) {
+        return sendSuper<NSMutableArray, "initWithObjects:count:", id>(self, objects, count);
+      }
+      const id* none = nullptr;
+      const auto made =
+          sendSuper<NSMutableArray, "initWithObjects:count:", NSMutableArray>(self, none, NSUInteger{0});
+      for (NSUInteger i = 0; i < count; ++i) made->addObject(objects[i]);
+      return made;
+    }),
     classMethod<"arrayWithCapacity:">([](const Class& self, NSUInteger capacity) -> id {
       return send<"initWithCapacity:", id>(send<"alloc", id>(self), capacity);
     }),
@@ -103,6 +136,14 @@ constexpr MethodDefinition kMethods[] = {
     }),
     method<"removeObjectsInRange:">([](const NSMutableArray& self, Cmd cmd, NSRange range) {
       detail::requireRangeWithin(self, cmd.selector, range.location, range.length, self->count());
+      if (detail::isLibraryArray(self)) {
+        auto& items = changed(self);
+        const auto first = items.begin() + static_cast<std::ptrdiff_t>(range.location);
+        const auto last = first + static_cast<std::ptrdiff_t>(range.length);
+        const std::vector<id> removed(std::make_move_iterator(first), std::make_move_iterator(last));
+        items.erase(first, last);
+        return;
+      }
       for (NSUInteger i = range.length; i-- > 0;) self->removeObjectAtIndex(range.location + i);
     }),
     method<"removeObjectsInArray:">([](const NSMutableArray& self, const NSArray& other) {

@@ -17,6 +17,20 @@ using detail::tableOf;
 constexpr NSUInteger kGreatestReserve = 1U << 20U;
 
 constexpr MethodDefinition kMethods[] = {
+    // By messages for a client's class, which keeps its entries elsewhere.
+    method<"initWithObjects:forKeys:count:">([](const NSMutableDictionary& self, const id* objects,
+                                                const id* keys, NSUInteger count) -> id {
+      if (detail::isLibraryDictionary(self)) {
+        return sendSuper<NSMutableDictionary, "initWithObjects:forKeys:count:", id>(self, objects,
+                                                                                    keys, count);
+      }
+      const id* none = nullptr;
+      const auto made =
+          sendSuper<NSMutableDictionary, "initWithObjects:forKeys:count:", NSMutableDictionary>(
+              self, none, none, NSUInteger{0});
+      for (NSUInteger i = 0; i < count; ++i) made->setObject(objects[i], keys[i]);
+      return made;
+    }),
     classMethod<"dictionaryWithCapacity:">([](const Class& self, NSUInteger capacity) -> id {
       return send<"initWithCapacity:", id>(send<"alloc", id>(self), capacity);
     }),
@@ -44,14 +58,12 @@ constexpr MethodDefinition kMethods[] = {
     }),
     method<"addEntriesFromDictionary:">(
         [](const NSMutableDictionary& self, const NSDictionary& other) {
-          for (const id& key : detail::copyItems(other->allKeys())) {
-            self->setObject(other->objectForKey(key), key);
-          }
+          for (const auto& [key, value] : detail::copyEntries(other)) self->setObject(value, key);
         }),
     method<"setDictionary:">([](const NSMutableDictionary& self, const NSDictionary& other) {
-      const auto kept = NSDictionary::dictionaryWithDictionary(other);  // it may be the receiver
+      const auto entries = detail::copyEntries(other);  // it may be the receiver
       self->removeAllObjects();
-      self->addEntriesFromDictionary(kept);
+      for (const auto& [key, value] : entries) self->setObject(value, key);
     }),
     method<"copyWithZone:">([](const NSMutableDictionary& self, NSZone*) -> id {
       return NSDictionary::dictionaryWithDictionary(self);

@@ -68,10 +68,12 @@ constexpr MethodDefinition kMethods[] = {
     method<"init">([](const NSSet& self) -> id { return self->initWithObjects(nullptr, 0); }),
     method<"initWithObjects:count:">(
         [](const NSSet& self, Cmd cmd, const id* objects, NSUInteger count) -> id {
+          ObjectTable table;
           for (NSUInteger i = 0; i < count; ++i) {
             detail::requireArgument(self, cmd.selector, objects[i], i);
-            tableOf(self).insert(objects[i], nullptr, false);
+            table.insert(objects[i], nullptr, false);
           }
+          tableOf(self).swapEntries(table);
           return self;
         }),
     method<"initWithArray:">([](const NSSet& self, const NSArray& array) -> id {
@@ -92,12 +94,14 @@ constexpr MethodDefinition kMethods[] = {
         [](const NSSet& self) -> id { return self->objectEnumerator()->nextObject(); }),
     method<"allObjects">(
         [](const NSSet& self) { return detail::makeArray(copyMembers(self)); }),
-    method<"objectEnumerator">([](const NSSet& self) { return detail::makeEnumerator(self); }),
+    method<"objectEnumerator">([](const NSSet& self) {
+      return detail::makeTableEnumerator(self, tableOf(self), detail::Column::kKeys);
+    }),
     method<"countByEnumeratingWithState:objects:count:">(
         [](const NSSet& self, NSFastEnumerationState* state, ObjectRecord** buffer,
            NSUInteger room) -> NSUInteger {
           if (detail::isLibrarySet(self)) {
-            return detail::enumerateKeys(tableOf(self), *state, buffer, room);
+            return detail::enumerateKeys(self, tableOf(self), *state, buffer, room);
           }
           // A subclass is asked for its members once.
           state->mutationsPtr = tableOf(self).mutations();
@@ -122,7 +126,8 @@ constexpr MethodDefinition kMethods[] = {
       return false;
     }),
 
-    method<"setByAddingObject:">([](const NSSet& self, const id& object) {
+    method<"setByAddingObject:">([](const NSSet& self, Cmd cmd, const id& object) {
+      detail::requireArgument(self, cmd.selector, object);
       return adding(self, {object});
     }),
     method<"setByAddingObjectsFromSet:">(

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <span>
+#include <utility>
 #include <vector>
 
 #include <Brindle/Platform/NSArray.h>
@@ -10,6 +11,12 @@ namespace brindle::detail {
 
 /// The variables of every array. Those of a subclass that keeps its members elsewhere stay empty.
 struct ArrayStorage {
+  ArrayStorage() = default;
+  ArrayStorage(const ArrayStorage&) = delete;
+  ArrayStorage& operator=(const ArrayStorage&) = delete;
+  // The members' ends may look at the array.
+  ~ArrayStorage() { std::exchange(items, {}).clear(); }
+
   std::vector<id> items;
   unsigned long mutations = 0;
 };

@@ -6,8 +6,8 @@
 namespace brindle::detail {
 
 /// "(\n    a,\n    \"b c\"\n)", "{\n    key = value;\n}", "{(\n    a\n)}" for an array, a dictionary or a
-/// set that is nested `level` deep. Beyond a depth of 100 "..." stands for what is in it, so that a
-/// collection that holds itself has a description too.
+/// set that is nested `level` deep. "..." stands for a collection inside itself, and for what lies
+/// deeper than 100.
 NSString describeCollection(const id& collection, NSUInteger level);
 
 }  // namespace brindle::detail

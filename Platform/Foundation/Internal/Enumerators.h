@@ -3,11 +3,18 @@
 
 #include <Brindle/Platform/NSEnumerator.h>
 
+#include "Platform/Foundation/Internal/ObjectTable.h"
+
 namespace brindle::detail {
 
-/// Over anything that can be enumerated, in its order.
-NSEnumerator makeEnumerator(const id& collection);
-/// Over an array, from its end.
-NSEnumerator makeReverseEnumerator(const NSArray& array);
+enum class Direction { kForwards, kBackwards };
+
+/// Over an array, whoever wrote its class.
+NSEnumerator makeArrayEnumerator(const NSArray& array, Direction direction);
+
+enum class Column { kKeys, kValues };
+
+/// Over the table of that collection.
+NSEnumerator makeTableEnumerator(const id& collection, ObjectTable& table, Column column);
 
 }  // namespace brindle::detail

@@ -1,6 +1,7 @@
 // The hash table behind dictionaries and sets: keys by `hash` and `isEqual:`, in the order in which
 // they came. Both messages may run a client's code, which may change the table that asks: after each of
-// them the table is looked at anew, and objects that leave are released when the table is whole.
+// them the table is looked at anew, and objects that leave are released when the table is whole. A
+// raise out of either leaves the table as it was.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +9,8 @@
 #include <vector>
 
 #include <Brindle/Platform/NSObject.h>
+
+#include "Platform/Runtime/Internal/Raise.h"
 
 namespace brindle::detail {
 
@@ -18,6 +21,11 @@ class ObjectTable {
     id value;
     NSUInteger hash = 0;
   };
+
+  ObjectTable() = default;
+  ObjectTable(const ObjectTable&) = delete;
+  ObjectTable& operator=(const ObjectTable&) = delete;
+  ~ObjectTable() { clear(); }
 
   [[nodiscard]] std::size_t count() const noexcept { return live_; }
   /// Changes whenever the table does.
@@ -40,8 +48,7 @@ class ObjectTable {
     if (place != kNone) {
       if (!replaces) return;
       ++mutations_;
-      id old = value;
-      std::swap(entries_[place].value, old);
+      entries_[place].value = value;  // releases the old one last
       return;
     }
     ++mutations_;
@@ -58,8 +65,11 @@ class ObjectTable {
     const std::size_t place = findPlace(key, hashOf(key));
     if (place == kNone) return;
     ++mutations_;
-    const Entry removed = std::exchange(entries_[place], Entry());
+    Entry removed = std::move(entries_[place]);
+    entries_[place].hash = 0;
     if (--live_ == 0) forgetEntries();
+    removed.value = nullptr;  // not at the brace: they may raise
+    removed.key = nullptr;
   }
 
   void clear() {
@@ -70,10 +80,12 @@ class ObjectTable {
     slots_.clear();
   }
 
+  /// Takes what the other table holds in place of its own, which goes to the other.
   void swapEntries(ObjectTable& other) noexcept {
     entries_.swap(other.entries_);
     slots_.swap(other.slots_);
     std::swap(live_, other.live_);
+    std::swap(shift_, other.shift_);
     ++mutations_;
     ++other.mutations_;
   }
@@ -84,6 +96,7 @@ class ObjectTable {
   static constexpr std::size_t kNone = ~std::size_t{0};
   static constexpr std::uint32_t kEmpty = 0xFFFFFFFF;
   static constexpr std::size_t kLinear = 8;  // so few entries are found faster one by one
+  static constexpr int kPatience = 100;      // searches that a change of the table overtakes
 
   static NSUInteger hashOf(const id& key) { return send<"hash", NSUInteger>(key); }
   [[nodiscard]] std::size_t startOf(NSUInteger hash) const noexcept {
@@ -101,11 +114,12 @@ class ObjectTable {
   }
 
   [[nodiscard]] std::size_t findPlace(const id& key, NSUInteger hash) const {
-    for (;;) {
+    for (int i = 0; i < kPatience; ++i) {
       const unsigned long before = mutations_;
       const std::size_t place = slots_.empty() ? scan(key, hash, before) : probe(key, hash, before);
       if (mutations_ == before) return place;
     }
+    raise("NSGenericException", "a collection is changed whenever one of its members is compared");
   }
   [[nodiscard]] std::size_t scan(const id& key, NSUInteger hash, unsigned long before) const {
     for (std::size_t i = 0; i < entries_.size(); ++i) {

@@ -2,12 +2,13 @@
 #pragma once
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace brindle::detail {
 
 /// Sorts by merging, from runs of one on. `after(a, b)` says whether a comes after b; it may throw,
-/// and then the vector holds the same members in some order.
+/// and then the vector is as it was.
 template <class T, class After>
 void mergeSort(std::vector<T>& items, const After& after) {
   const std::size_t size = items.size();
@@ -22,7 +23,7 @@ void mergeSort(std::vector<T>& items, const After& after) {
       for (std::size_t at = start; at < end; ++at) {
         const bool takeRight =
             left == middle || (right < end && after(source[left], source[right]));
-        target[at] = source[takeRight ? right++ : left++];
+        target[at] = std::move(source[takeRight ? right++ : left++]);
       }
     }
     source.swap(target);

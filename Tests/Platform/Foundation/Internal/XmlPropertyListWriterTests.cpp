@@ -173,11 +173,12 @@ TEST(XmlPropertyListWriterTest, WhatIsHeldTooOftenIsRefused) {
             "XML property list: what is held many times would become too large");
 }
 
-TEST(XmlPropertyListWriterTest, AWideDocumentIsNotTooLarge) {
+TEST(XmlPropertyListWriterTest, AWideAndDeepDocumentIsNotTooLarge) {
   PropertyList list;
-  const Index text = list.addString(wide(std::u16string(1000, u'x')));
-  const std::vector<Index> elements(20000, list.addArray({&text, 1}));
-  EXPECT_GT(written(list, list.addArray(elements)).size(), 20000U * 1000);
+  const std::vector<Index> elements(40000, list.addBoolean(true));
+  Index node = list.addArray(elements);
+  for (std::size_t i = 1; i < PropertyList::kMaximalDepth; ++i) node = list.addArray({&node, 1});
+  EXPECT_GT(written(list, node).size(), elements.size() * PropertyList::kMaximalDepth);
 }
 
 TEST(XmlPropertyListWriterTest, DepthCostsNoStack) {

@@ -9,7 +9,8 @@ import sys
 
 root = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else ".").resolve()
 SENT = re.compile(r'\bsend(?:Super)?<\s*(?:\w+\s*,\s*)?"([^"]+)"')
-DEFINED = re.compile(r'\b(?:m|classM)ethod<\s*"([^"]+)"')
+# `method<"x:">(...)`, and rows of a table that are made by a helper: `getter<"x", int>()`.
+DEFINED = re.compile(r'\b(?!send|selector)\w+<\s*"([^"]+)"')
 
 defined = set()
 sent = []

@@ -225,10 +225,6 @@ constexpr ClassDefinition kDefinition{.name = "NSArray",
 
 constinit ClassPair<NSArray> NSArray::classPair{kDefinition};
 
-NSString NSArray::componentsJoinedByString(const NSString& separator) const {
-  return send<"componentsJoinedByString:", NSString>(*this, separator);
-}
-
 namespace detail {
 
 ArrayStorage& storageOf(const NSArray& array) { return fieldsOf<ArrayStorage>(array); }

@@ -16,6 +16,7 @@
 #include <Brindle/Platform/NSObjCRuntime.h>
 #include <Brindle/Platform/NSObject.h>
 #include <Brindle/Platform/NSRange.h>
+#include <Brindle/Platform/NSString.h>
 
 namespace brindle {
 
@@ -105,7 +106,9 @@ class NSArray : public Interface<NSArray, NSObject>, public NSFastEnumerable<NSA
     return send<"subarrayWithRange:", NSArray>(*this, range);
   }
   /// The members' descriptions, with the separator between them.
-  NSString componentsJoinedByString(const NSString& separator) const;
+  NSString componentsJoinedByString(const NSString& separator) const {
+    return send<"componentsJoinedByString:", NSString>(*this, separator);
+  }
   /// In ascending order; equal members keep their order. The method takes an object and answers an
   /// NSComparisonResult, as `compare:` does.
   NSArray sortedArrayUsingSelector(SEL comparison) const {

@@ -200,6 +200,4 @@ constexpr ClassDefinition kDefinition{
 
 constinit ClassPair<NSNumber> NSNumber::classPair{kDefinition};
 
-NSString NSNumber::stringValue() const { return send<"stringValue", NSString>(*this); }
-
 }  // namespace brindle

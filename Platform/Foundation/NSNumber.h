@@ -11,6 +11,7 @@
 #include <type_traits>
 
 #include <Brindle/Platform/NSObjCRuntime.h>
+#include <Brindle/Platform/NSString.h>
 #include <Brindle/Platform/NSValue.h>
 
 namespace brindle {
@@ -102,7 +103,7 @@ class NSNumber : public Interface<NSNumber, NSValue> {
   float floatValue() const { return send<"floatValue", float>(*this); }
   double doubleValue() const { return send<"doubleValue", double>(*this); }
   /// "7", "0.1"; "1" and "0" for truth values.
-  NSString stringValue() const;
+  NSString stringValue() const { return send<"stringValue", NSString>(*this); }
 
   /// By value, exactly, whatever the types. Nil comes first.
   NSComparisonResult compare(const NSNumber& other) const {

@@ -330,8 +330,8 @@ inline NSString::NSString(const char* utf8)
                             ? nullptr
                             : detail::stringFromUtf8(utf8, std::char_traits<char>::length(utf8))) {}
 
-inline NSString NSObject::description() const { return send<"description", NSString>(*this); }
-inline NSString NSObject::debugDescription() const {
+inline NSString id::description() const { return send<"description", NSString>(*this); }
+inline NSString id::debugDescription() const {
   return send<"debugDescription", NSString>(*this);
 }
 

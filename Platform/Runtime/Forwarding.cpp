@@ -89,20 +89,35 @@ std::size_t wireSize(std::string_view code, const SignatureData& data) {
   return 8;
 }
 
-bool answers(const ClassRecord& cls, SEL selector) {
-  const MethodRecord* method = findMethod(&cls, selector);
-  if (method->implementation.load(std::memory_order_acquire) != nullptr) return true;
-  // A class that is still being initialised has its methods in the writers' view only.
+/// A class that is still being initialised has its methods in the writers' view only.
+[[gnu::noinline, gnu::cold]] bool answersUnpublished(const ClassRecord& cls, SEL selector) {
   return lookUpMethod(cls.data.load(std::memory_order_acquire), selector) != nullptr;
 }
 
+inline bool answers(const ClassRecord& cls, SEL selector) {
+  const MethodRecord* method = findMethod(&cls, selector);
+  return method->implementation.load(std::memory_order_acquire) != nullptr ||
+         answersUnpublished(cls, selector);
+}
+
 /// A class that lacks the operations of forwarding itself can only fail.
-void requireForwarding(const ClassRecord& cls, SEL selector) {
-  for (SEL needed : {brindle::selector<"methodSignatureForSelector:">(),
-                     brindle::selector<"forwardInvocation:">(),
-                     brindle::selector<"doesNotRecognizeSelector:">()}) {
-    if (selector == needed || !answers(cls, needed)) raiseUnrecognized(cls, selector, &cls);
+inline void requireForwarding(const ClassRecord& cls, SEL selector, const void* receiver) {
+  const SEL signature = brindle::selector<"methodSignatureForSelector:">();
+  const SEL forward = brindle::selector<"forwardInvocation:">();
+  if (selector == signature || selector == forward || !answers(cls, signature) ||
+      !answers(cls, forward)) [[unlikely]] {
+    raiseUnrecognized(cls, selector, receiver);
   }
+}
+
+/// Nobody answers: the receiver says so, or the runtime for a class that cannot.
+void fail(const id& receiver, SEL selector) {
+  const ClassRecord& cls = *receiver.record()->isa.load(std::memory_order_acquire);
+  const SEL doesNotRecognize = brindle::selector<"doesNotRecognizeSelector:">();
+  if (selector == doesNotRecognize || !answers(cls, doesNotRecognize)) {
+    raiseUnrecognized(cls, selector, receiver.record());
+  }
+  send<"doesNotRecognizeSelector:">(receiver, selector);
 }
 
 /// Sends a message on to another receiver, with the sender's own arguments.
@@ -111,7 +126,7 @@ void resend(const id& target, SEL selector, const char* wire, void** arguments, 
       send<"methodSignatureForSelector:", NSMethodSignature>(target, selector);
   SignatureData* data = dataOfSignature(signature);
   if (data == nullptr) {
-    send<"doesNotRecognizeSelector:">(target, selector);
+    fail(target, selector);
     return;
   }
   if (!sameWire(wire, data->wire.c_str())) {
@@ -221,7 +236,7 @@ void forwardMessage(ObjectRecord* receiver, SEL selector, const char* wire, void
                     void* result) {
   const id self = borrow<id>(receiver);
   const ClassRecord* cls = receiver->isa.load(std::memory_order_acquire);
-  requireForwarding(*cls, selector);
+  requireForwarding(*cls, selector, receiver);
   if (answers(*cls, brindle::selector<"forwardingTargetForSelector:">())) {
     const id target = send<"forwardingTargetForSelector:", id>(self, selector);
     if (target && !(target == self)) {
@@ -232,7 +247,7 @@ void forwardMessage(ObjectRecord* receiver, SEL selector, const char* wire, void
   const NSMethodSignature signature =
       send<"methodSignatureForSelector:", NSMethodSignature>(self, selector);
   if (!signature) {
-    send<"doesNotRecognizeSelector:">(self, selector);
+    fail(self, selector);
     return;
   }
   const SignatureData& data = *dataOfSignature(signature);

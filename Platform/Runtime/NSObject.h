@@ -55,38 +55,6 @@ class NSObject : public Interface<NSObject, id> {
 
   /// The superclass of its class.
   Class superclass() const { return send<"superclass", Class>(*this); }
-  /// Whether its class is `c` or inherits from `c`. A proxy asks the object it stands for.
-  bool isKindOfClass(Class c) const { return send<"isKindOfClass:", bool>(*this, c); }
-  /// Whether its class is `c` itself.
-  bool isMemberOfClass(Class c) const { return send<"isMemberOfClass:", bool>(*this, c); }
-  /// Whether a message with the selector finds a method.
-  bool respondsToSelector(SEL s) const { return send<"respondsToSelector:", bool>(*this, s); }
-  bool conformsToProtocol(const Protocol& protocol) const;
-  /// YES for a proxy, which stands for another object.
-  bool isProxy() const { return send<"isProxy", bool>(*this); }
-
-  /// Equality as the class defines it; identity here. Nil equals nothing.
-  bool isEqual(const id& other) const { return send<"isEqual:", bool>(*this, other); }
-  /// Equal objects have equal hashes.
-  NSUInteger hash() const { return send<"hash", NSUInteger>(*this); }
-
-  /// Text for people. Defined in NSString.h.
-  NSString description() const;
-  /// Text for programmers; the description unless the class says otherwise. Defined in NSString.h.
-  NSString debugDescription() const;
-
-  /// The number of owners. For curiosity, not for decisions: others may change it at any time.
-  NSUInteger retainCount() const { return send<"retainCount", NSUInteger>(*this); }
-
-  /// Sends a message without arguments, or with one or two objects. The method must take and answer
-  /// objects. Raises NSInvalidArgumentException for the null selector.
-  id performSelector(SEL s) const { return send<"performSelector:", id>(*this, s); }
-  id performSelector(SEL s, const id& a) const {
-    return send<"performSelector:withObject:", id>(*this, s, a);
-  }
-  id performSelector(SEL s, const id& a, const id& b) const {
-    return send<"performSelector:withObject:withObject:", id>(*this, s, a, b);
-  }
   /// The code that the object runs for the selector; a forwarding entry when there is none.
   IMP methodForSelector(SEL s) const { return send<"methodForSelector:", IMP>(*this, s); }
   /// The types of a message; nil when the object does not answer it.
@@ -110,6 +78,23 @@ template <Reference T>
 bool isa(const id& object) {
   return send<"isKindOfClass:", bool>(object, Class(&T::classPair.cls));
 }
+
+inline bool id::isKindOfClass(Class c) const { return send<"isKindOfClass:", bool>(*this, c); }
+inline bool id::isMemberOfClass(Class c) const { return send<"isMemberOfClass:", bool>(*this, c); }
+inline bool id::respondsToSelector(SEL s) const {
+  return send<"respondsToSelector:", bool>(*this, s);
+}
+inline bool id::isProxy() const { return send<"isProxy", bool>(*this); }
+inline bool id::isEqual(const id& other) const { return send<"isEqual:", bool>(*this, other); }
+inline NSUInteger id::hash() const { return send<"hash", NSUInteger>(*this); }
+inline id id::performSelector(SEL s) const { return send<"performSelector:", id>(*this, s); }
+inline id id::performSelector(SEL s, const id& a) const {
+  return send<"performSelector:withObject:", id>(*this, s, a);
+}
+inline id id::performSelector(SEL s, const id& a, const id& b) const {
+  return send<"performSelector:withObject:withObject:", id>(*this, s, a, b);
+}
+inline NSUInteger id::retainCount() const { return send<"retainCount", NSUInteger>(*this); }
 
 namespace detail {
 [[noreturn]] BRINDLE_PLATFORM_EXPORT void raiseBadCast(const id& object, const ClassRecord* wanted);

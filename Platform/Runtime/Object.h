@@ -24,6 +24,9 @@
 
 namespace brindle {
 
+class NSString;
+class Protocol;
+
 /// The head of every object. `flags` holds eight flags and, above them, the number of the class
 /// that the object was born with: its fields are destroyed by that class whatever its class is then.
 struct ObjectRecord {
@@ -149,6 +152,37 @@ class id {
     record_ = nullptr;
     return record;
   }
+
+  // --- What every object answers, proxies included. Defined in NSObject.h. Nil answers no and nil.
+
+  /// Whether its class is `c` or inherits from `c`. A proxy asks the object it stands for.
+  bool isKindOfClass(Class c) const;
+  /// Whether its class is `c` itself.
+  bool isMemberOfClass(Class c) const;
+  /// Whether a message with the selector finds a method.
+  bool respondsToSelector(SEL s) const;
+  /// Whether the object's class, or a superclass, adopts the protocol.
+  bool conformsToProtocol(const Protocol& protocol) const;
+  /// Yes for a proxy, which stands for another object.
+  bool isProxy() const;
+
+  /// Equality as the class defines it; identity unless it does. Nil equals nothing.
+  bool isEqual(const id& other) const;
+  /// Equal objects have equal hashes.
+  NSUInteger hash() const;
+  /// Text for people.
+  NSString description() const;
+  /// Text for programmers; the description unless the class says otherwise.
+  NSString debugDescription() const;
+
+  /// Sends a message without arguments, or with one or two objects. The method must take and answer
+  /// objects. Raises NSInvalidArgumentException for the null selector.
+  id performSelector(SEL s) const;
+  id performSelector(SEL s, const id& a) const;
+  id performSelector(SEL s, const id& a, const id& b) const;
+
+  /// The number of owners. For curiosity, not for decisions: others may change it at any time.
+  NSUInteger retainCount() const;
 
   /// Identity: the same object, or both nil. `isEqual` compares contents.
   friend constexpr bool operator==(const id& a, const id& b) noexcept {

@@ -54,7 +54,7 @@ BRINDLE_PLATFORM_EXPORT BOOL class_addProtocol(Class cls, const Protocol& protoc
 /// The protocol of that name, adopted by any class that is attached; nil when there is none.
 BRINDLE_PLATFORM_EXPORT Protocol objc_getProtocol(const char* name);
 
-inline bool NSObject::conformsToProtocol(const Protocol& protocol) const {
+inline bool id::conformsToProtocol(const Protocol& protocol) const {
   return send<"conformsToProtocol:", bool>(*this, protocol);
 }
 template <class Self>

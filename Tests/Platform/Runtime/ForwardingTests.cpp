@@ -3,7 +3,9 @@
 #include <Brindle/Platform/NSInvocation.h>
 #include <Brindle/Platform/NSProxy.h>
 
+#include <array>
 #include <cstdint>
+#include <cstdio>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -291,6 +293,29 @@ TEST_F(ForwardingTest, AnInheritedMessageToSuperIsForwarded) {
 }
 
 // A signature that is not the caller's must never decide the frame.
+TEST_F(ForwardingTest, ARootClassForwardsWithTwoOperations) {
+  const Class root = objc_allocateClassPair(nullptr, uniqueName("Root").c_str(), 0);
+  objc_registerClassPair(root);
+  const id object = class_createInstance(root, 0);
+  std::array<char, 32> address{};
+  std::snprintf(address.data(), address.size(), "%p", static_cast<void*>(object.record()));
+  const std::string text = std::string("-[") + class_getName(root) +
+                           " int32:]: unrecognized selector sent to instance " + address.data();
+  EXPECT_NE(raised([&] { send<"int32:", int>(object, 5); }).find(text), std::string::npos)
+      << "it has none";
+  addMethod<"methodSignatureForSelector:">(root, [](const id&, SEL s) -> NSMethodSignature {
+    return Machine::class_()->instanceMethodSignatureForSelector(s);
+  });
+  EXPECT_NE(raised([&] { send<"int32:", int>(object, 5); }).find(text), std::string::npos)
+      << "it has one";
+  addMethod<"forwardInvocation:">(root, [](const id&, const NSInvocation& call) {
+    call->invokeWithTarget(Machine::new_());
+  });
+  EXPECT_EQ((send<"int32:", int>(object, 5)), 4);
+  EXPECT_NE(raised([&] { send<"unknown">(object); }).find("unrecognized selector"),
+            std::string::npos);
+}
+
 TEST_F(ForwardingTest, ASignatureOfFewerOrOtherArguments) {
   const Liar none = Liar::with("v16@0:8");
   EXPECT_EQ((send<"int32:", int>(none, 1)), 0);

@@ -122,7 +122,10 @@ Index find(const NSKeyedUnarchiver& self, SEL selector, const NSString& key) {
   if (text.view().empty() || text.view()[0] != u'$') return f.list.find(f.frames.back(), text);
   internal::Text escaped(plain("$"));
   escaped.append(text.view());
-  return f.list.find(f.frames.back(), escaped);
+  const Index node = f.list.find(f.frames.back(), escaped);
+  // Values without a key stand under "$0", "$1" and so on, as they are.
+  const bool isPlace = text.view().size() > 1 && text.view()[1] >= u'0' && text.view()[1] <= u'9';
+  return node == kNone && isPlace ? f.list.find(f.frames.back(), text) : node;
 }
 
 // A number that stands elsewhere, as an object, is a number too.
@@ -207,19 +210,28 @@ Index nodeOfUid(const Fields& f, std::uint64_t uid) {
   return f.nodes[uid];
 }
 
+// The name in the description of a class: its own, or else the first of its chain.
+Index classNameAt(const PropertyList& list, Index node) {
+  const Index chain = list.find(node, plain("$classes"));
+  if (chain != kNone && list.kind(chain) != PropertyKind::array) {
+    raiseBroken("a class whose superclasses are no array");
+  }
+  Index name = list.find(node, plain("$classname"));
+  if (name == kNone && chain != kNone && !list.elements(chain).empty()) {
+    name = list.elements(chain).front();
+  }
+  if (name == kNone || list.kind(name) != PropertyKind::string) {
+    raiseBroken("a class without a name");
+  }
+  return name;
+}
+
 // The class that the node describes. Raises when the program does not have it.
 Class classAt(const NSKeyedUnarchiver& self, Index node) {
   Fields& f = fields(self);
   const auto known = f.classes.find(node);
   if (known != f.classes.end()) return known->second;
-  const Index name = f.list.find(node, plain("$classname"));
-  if (name == kNone || f.list.kind(name) != PropertyKind::string) {
-    raiseBroken("a class without a name");
-  }
-  const Index chain = f.list.find(node, plain("$classes"));
-  if (chain != kNone && f.list.kind(chain) != PropertyKind::array) {
-    raiseBroken("a class whose superclasses are no array");
-  }
+  const Index name = classNameAt(f.list, node);
   const NSString text = detail::makeString(f.list.string(name));
   const std::string bytes(text);
   const auto own = f.names.find(bytes);

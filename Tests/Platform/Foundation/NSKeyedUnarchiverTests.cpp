@@ -122,6 +122,20 @@ TEST(NSKeyedUnarchiverTest, ReadsKeysThatLookLikeTheFormats) {
   EXPECT_EQ(NSKeyedUnarchiver::alloc()->initForReadingWithData(data)->decodeIntForKey("$class"_ns), 7);
 }
 
+TEST(NSKeyedUnarchiverTest, ReadsValuesThatWereWrittenWithoutKeys) {
+  const NSKeyedUnarchiver coder =
+      unarchiverOf("<key>$0</key><integer>3</integer><key>$top</key><integer>4</integer>");
+  EXPECT_EQ(coder->decodeIntForKey("$0"_ns), 3);
+  EXPECT_FALSE(coder->containsValueForKey("$top"_ns));
+}
+
+TEST(NSKeyedUnarchiverTest, TakesTheFirstOfTheChainForAMissingClassName) {
+  const NSData data = archiveOf(
+      "<dict><key>title</key>" + uid(3) + "<key>$class</key>" + uid(2) +
+      "</dict><dict><key>$classes</key><array><string>Note</string></array></dict><string>x</string>");
+  EXPECT_EQ(std::string(cast<Note>(read(data))->title()), "x");
+}
+
 TEST(NSKeyedUnarchiverTest, MakesOtherClasses) {
   const NSData data = archiveOf("<dict><key>title</key>" + uid(3) + "<key>$class</key>" + uid(2) +
                                 "</dict>" + classNamed("Memo") + "<string>x</string>");

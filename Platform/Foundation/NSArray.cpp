@@ -66,7 +66,7 @@ NSArray sorted(const NSArray& self, const Compare& compare) {
 }
 
 constexpr MethodDefinition kMethods[] = {
-    classMethod<"array">([](const Class& self) { return makeOfClass(self, nullptr, 0); }),
+    classMethod<"array">([](const ClassOf<NSArray>& self) { return self->alloc()->init(); }),
     classMethod<"arrayWithObject:">(
         [](const Class& self, const id& object) { return makeOfClass(self, &object, 1); }),
     classMethod<"arrayWithObjects:count:">(

@@ -5,7 +5,8 @@
 //
 // An index at or beyond the count raises NSRangeException, nil as a member
 // NSInvalidArgumentException. Subclasses that override `count` and `objectAtIndex:` work with every
-// operation. Arrays that nobody changes may be used by many threads at once.
+// operation, and with `initWithObjects:count:` the class operations make them too. Arrays that nobody
+// changes may be used by many threads at once.
 #pragma once
 
 #include <initializer_list>

@@ -35,7 +35,7 @@ id makeOfClass(const Class& cls, const id* objects, const id* keys, NSUInteger c
 
 constexpr MethodDefinition kMethods[] = {
     classMethod<"dictionary">(
-        [](const Class& self) { return makeOfClass(self, nullptr, nullptr, 0); }),
+        [](const ClassOf<NSDictionary>& self) { return self->alloc()->init(); }),
     classMethod<"dictionaryWithObject:forKey:">(
         [](const Class& self, const id& object, const id& key) {
           return makeOfClass(self, &object, &key, 1);

@@ -5,8 +5,10 @@
 //
 // Keys are copied when they are put in, and found by `hash` and `isEqual:`. Nil as a key or value
 // raises NSInvalidArgumentException. Keys are enumerated in the order in which they came. Subclasses
-// that override `count`, `objectForKey:` and `keyEnumerator` work with every operation. Dictionaries
-// that nobody changes may be used by many threads at once.
+// that override `count`, `objectForKey:` and `keyEnumerator` work with every operation, and with
+// `initWithObjects:forKeys:count:` the class operations make them too. Dictionaries that nobody changes
+// may be used by many threads at once. A key that changes the dictionary whenever it is compared raises
+// NSGenericException.
 #pragma once
 
 #include <initializer_list>

@@ -2,7 +2,8 @@
 // for one thread at a time while it changes.
 //
 // Subclasses override `count`, `objectAtIndex:`, `insertObject:atIndex:`, `removeObjectAtIndex:`,
-// `addObject:`, `removeLastObject` and `replaceObjectAtIndex:withObject:`.
+// `addObject:`, `removeLastObject` and `replaceObjectAtIndex:withObject:`; those made of
+// other objects get them by `addObject:`.
 #pragma once
 
 #include <Brindle/Platform/NSArray.h>
@@ -29,6 +30,12 @@ class NSMutableArray : public Interface<NSMutableArray, NSArray> {
   static NSMutableArray array() { return class_()->array(); }
   static NSMutableArray arrayWithCapacity(NSUInteger capacity) {
     return class_()->arrayWithCapacity(capacity);
+  }
+  static NSMutableArray arrayWithObject(const id& object) {
+    return class_()->arrayWithObject(object);
+  }
+  static NSMutableArray arrayWithObjects(const id* objects, NSUInteger count) {
+    return class_()->arrayWithObjects(objects, count);
   }
   static NSMutableArray arrayWithArray(const NSArray& other) {
     return class_()->arrayWithArray(other);

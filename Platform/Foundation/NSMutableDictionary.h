@@ -2,7 +2,7 @@
 // here; for one thread at a time while it changes.
 //
 // Subclasses override `count`, `objectForKey:`, `keyEnumerator`, `setObject:forKey:` and
-// `removeObjectForKey:`.
+// `removeObjectForKey:`; those made of other entries get them by `setObject:forKey:`.
 #pragma once
 
 #include <Brindle/Platform/NSDictionary.h>
@@ -29,6 +29,16 @@ class NSMutableDictionary : public Interface<NSMutableDictionary, NSDictionary> 
   static NSMutableDictionary dictionary() { return class_()->dictionary(); }
   static NSMutableDictionary dictionaryWithCapacity(NSUInteger capacity) {
     return class_()->dictionaryWithCapacity(capacity);
+  }
+  static NSMutableDictionary dictionaryWithObject(const id& object, const id& key) {
+    return class_()->dictionaryWithObject(object, key);
+  }
+  static NSMutableDictionary dictionaryWithObjects(const NSArray& objects, const NSArray& keys) {
+    return class_()->dictionaryWithObjects(objects, keys);
+  }
+  static NSMutableDictionary dictionaryWithObjects(const id* objects, const id* keys,
+                                                   NSUInteger count) {
+    return class_()->dictionaryWithObjects(objects, keys, count);
   }
   static NSMutableDictionary dictionaryWithDictionary(const NSDictionary& other) {
     return class_()->dictionaryWithDictionary(other);

@@ -1,7 +1,8 @@
 // A set whose members can be added and taken away. What is said of NSSet holds here; for one thread at
 // a time while it changes.
 //
-// Subclasses override `count`, `member:`, `objectEnumerator`, `addObject:` and `removeObject:`.
+// Subclasses override `count`, `member:`, `objectEnumerator`, `addObject:` and `removeObject:`; those
+// made of other objects get them by `addObject:`.
 #pragma once
 
 #include <Brindle/Platform/NSSet.h>
@@ -28,6 +29,10 @@ class NSMutableSet : public Interface<NSMutableSet, NSSet> {
   static NSMutableSet set() { return class_()->set(); }
   static NSMutableSet setWithCapacity(NSUInteger capacity) {
     return class_()->setWithCapacity(capacity);
+  }
+  static NSMutableSet setWithObject(const id& object) { return class_()->setWithObject(object); }
+  static NSMutableSet setWithObjects(const id* objects, NSUInteger count) {
+    return class_()->setWithObjects(objects, count);
   }
   static NSMutableSet setWithArray(const NSArray& array) { return class_()->setWithArray(array); }
   static NSMutableSet setWithSet(const NSSet& other) { return class_()->setWithSet(other); }

@@ -52,7 +52,7 @@ NSSet adding(const NSSet& self, const std::vector<id>& more) {
 }
 
 constexpr MethodDefinition kMethods[] = {
-    classMethod<"set">([](const Class& self) { return makeOfClass(self, nullptr, 0); }),
+    classMethod<"set">([](const ClassOf<NSSet>& self) { return self->alloc()->init(); }),
     classMethod<"setWithObject:">(
         [](const Class& self, const id& object) { return makeOfClass(self, &object, 1); }),
     classMethod<"setWithObjects:count:">(

@@ -5,8 +5,9 @@
 //
 // Members are found by `hash` and `isEqual:`, and enumerated in the order in which they came. Nil as
 // a member raises NSInvalidArgumentException. Subclasses that override `count`, `member:` and
-// `objectEnumerator` work with every operation. Sets that nobody changes may be used by many threads
-// at once.
+// `objectEnumerator` work with every operation, and with `initWithObjects:count:` the class operations
+// make them too. Sets that nobody changes may be used by many threads at once. A member that changes
+// the set whenever it is compared raises NSGenericException.
 #pragma once
 
 #include <initializer_list>

@@ -41,8 +41,11 @@ TEST(NSMutableArrayTest, MadeInManyWays) {
     made->addObject("x"_ns);
     EXPECT_EQ(listed(made), "x");
   }
-  EXPECT_EQ(listed(NSMutableArray::class_()->arrayWithObjects(objects, 2)), "a b");
-  EXPECT_EQ(listed(NSMutableArray::class_()->arrayWithObject("a"_ns)), "a");
+  for (const NSMutableArray& made :
+       {NSMutableArray::arrayWithObjects(objects, 2), NSMutableArray{"a"_ns, "b"_ns}}) {
+    made->removeObjectAtIndex(1);
+    EXPECT_TRUE(made->isEqual(NSMutableArray::arrayWithObject("a"_ns)));
+  }
 }
 
 TEST(NSMutableArrayTest, RefusesNil) {
@@ -144,6 +147,19 @@ TEST(NSMutableArrayTest, ClassOperationsMakeAClientsArray) {
   EXPECT_EQ(listed(cls->arrayWithObject("y"_ns)), "y");
   EXPECT_EQ(cls->arrayWithCapacity(5)->count(), 0u);
   EXPECT_EQ(classOf(cls->array()), cls);
+}
+
+TEST(NSMutableArrayTest, AnEmptyOneIsInitialisedWithInit) {
+  const Class cls = objc_allocateClassPair(NSMutableArray::class_(), "ArrayThatBeginsWithOne", 0);
+  const auto [begin, types] = implementation([](const NSMutableArray& self) -> NSMutableArray {
+    const auto made = self->initWithObjects(nullptr, 0);
+    send<"addObject:">(made, "one"_ns);
+    return self;
+  });
+  class_addMethod(cls, selector<"init">(), begin, types);
+  objc_registerClassPair(cls);
+  EXPECT_EQ(listed(ClassOf<NSMutableArray>(cls)->array()), "one");
+  EXPECT_EQ(listed(ClassOf<NSMutableArray>(cls)->arrayWithCapacity(9)), "one");
 }
 
 TEST(NSMutableArrayTest, RemovesManyFromMany) {

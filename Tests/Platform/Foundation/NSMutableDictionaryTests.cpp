@@ -41,6 +41,10 @@ TEST(NSMutableDictionaryTest, MadeInManyWays) {
   const NSMutableDictionary braces = {{"a"_ns, "1"_ns}, {"b"_ns, "2"_ns}};
   EXPECT_EQ(classOf(braces), NSMutableDictionary::class_());
   EXPECT_EQ(listed(braces), "a b");
+  const auto made = NSMutableDictionary::dictionaryWithObjects({"1"_ns, "2"_ns}, {"a"_ns, "b"_ns});
+  EXPECT_TRUE(made->isEqual(braces));
+  made->removeObjectForKey("b"_ns);
+  EXPECT_TRUE(made->isEqual(NSMutableDictionary::dictionaryWithObject("1"_ns, "a"_ns)));
 }
 
 TEST(NSMutableDictionaryTest, RefusesNil) {

@@ -38,7 +38,9 @@ TEST(NSMutableSetTest, MadeInManyWays) {
     made->addObject("x"_ns);
     EXPECT_EQ(listed(made), "x");
   }
-  EXPECT_EQ(listed(NSMutableSet::setWithArray({"a"_ns, "b"_ns, "a"_ns})), "a b");
+  const auto made = NSMutableSet::setWithArray({"a"_ns, "b"_ns, "a"_ns});
+  made->removeObject("b"_ns);
+  EXPECT_TRUE(made->isEqual(NSMutableSet::setWithObject("a"_ns)));
 }
 
 TEST(NSMutableSetTest, Nil) {

@@ -31,7 +31,8 @@ class NSArray : public Interface<NSArray, NSObject>, public NSFastEnumerable<NSA
   using Interface::Interface;
   BRINDLE_PLATFORM_EXPORT static ClassPair<NSArray> classPair;
 
-  /// The objects in the braces. `NSArray{a}` holds `a`, also when `a` is an array.
+  /// The objects in the braces. Of one array alone in the braces some compilers make a copy: write
+  /// `arrayWithObject(a)` for an array that holds it. Empty braces are nil.
   NSArray(std::initializer_list<id> objects)
       : NSArray(arrayWithObjects(objects.begin(), objects.size())) {}
 

@@ -229,10 +229,11 @@ void encodeConditional(const NSKeyedArchiver& self, const id& object, Index key)
     f.kept.push_back(object);
     place->second = newUid(f);
   }
-  const Index reference = f.list.addUid(place->second);
+  const auto uid = place->second;
+  const Index reference = f.list.addUid(uid);
   const bool isPending = isNew || std::any_of(f.conditionals.begin(), f.conditionals.end(),
-                                              [&](auto& c) { return c.second == place->second; });
-  if (isPending) f.conditionals.emplace_back(reference, place->second);
+                                              [uid](auto& c) { return c.second == uid; });
+  if (isPending) f.conditionals.emplace_back(reference, uid);
   put(self, key, reference);
 }
 

@@ -26,7 +26,8 @@ class NSSet : public Interface<NSSet, NSObject>, public NSFastEnumerable<NSSet> 
   using Interface::Interface;
   BRINDLE_PLATFORM_EXPORT static ClassPair<NSSet> classPair;
 
-  /// The objects in the braces. `NSSet{a}` holds `a`, also when `a` is a set.
+  /// The objects in the braces. Of one set alone in the braces some compilers make a copy: write
+  /// `setWithObject(a)` for a set that holds it. Empty braces are nil.
   NSSet(std::initializer_list<id> objects)
       : NSSet(class_()->setWithObjects(objects.begin(), objects.size())) {}
 

@@ -33,7 +33,7 @@ TEST(CollectionDescriptionTest, Empty) {
   EXPECT_EQ(told(NSArray::array()), "(\n)");
   EXPECT_EQ(told(NSDictionary::dictionary()), "{\n}");
   EXPECT_EQ(told(NSSet::set()), "{(\n)}");
-  EXPECT_EQ(told(NSArray{NSMutableArray::array()}), "(\n    (\n    )\n)");
+  EXPECT_EQ(told(NSArray::arrayWithObject(NSArray::array())), "(\n    (\n    )\n)");
 }
 
 TEST(CollectionDescriptionTest, QuotesWhatIsNotPlain) {

@@ -44,7 +44,8 @@ TEST(NSArrayTest, MadeInManyWays) {
   EXPECT_EQ(listed(NSArray::alloc()->initWithObjects(objects, 3)), "a b c");
   EXPECT_EQ(listed(NSArray::alloc()->initWithArray(ClientArray::with({"x"_ns}))), "x");
   const NSArray inner = {"a"_ns};
-  EXPECT_EQ((NSArray{inner})[0], inner);
+  EXPECT_EQ(NSArray::arrayWithObject(inner)[0], inner);
+  EXPECT_EQ((NSArray{inner, inner})[0], inner);
   EXPECT_FALSE(NSArray{}) << "empty braces are nil";
 }
 

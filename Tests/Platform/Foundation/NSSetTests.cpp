@@ -41,7 +41,8 @@ TEST(NSSetTest, MadeInManyWays) {
   EXPECT_EQ(listed(NSSet::alloc()->initWithArray({"x"_ns})), "x");
   EXPECT_EQ(listed(NSSet::alloc()->initWithSet(ClientSet::with({"x"_ns}))), "x");
   const NSSet inner = {"a"_ns};
-  EXPECT_EQ((NSSet{inner})->anyObject(), inner);
+  EXPECT_EQ(NSSet::setWithObject(inner)->anyObject(), inner);
+  EXPECT_FALSE(NSSet{}) << "empty braces are nil";
 }
 
 TEST(NSSetTest, NilIsNoMember) {

@@ -29,12 +29,18 @@ bool isPlain(char16_t unit) {
 
 void appendUnit(Text& text, char16_t unit) {
   switch (unit) {
-    case u'"': return text.append(plain("\\\""));
-    case u'\\': return text.append(plain("\\\\"));
-    case u'\n': return text.append(plain("\\n"));
-    case u'\t': return text.append(plain("\\t"));
-    case u'\r': return text.append(plain("\\r"));
-    default: break;
+    case u'"':
+      return text.append(plain("\\\""));
+    case u'\\':
+      return text.append(plain("\\\\"));
+    case u'\n':
+      return text.append(plain("\\n"));
+    case u'\t':
+      return text.append(plain("\\t"));
+    case u'\r':
+      return text.append(plain("\\r"));
+    default:
+      break;
   }
   if (unit >= 0x20 && unit < 0x7F) {
     const char c = static_cast<char>(unit);

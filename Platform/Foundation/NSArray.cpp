@@ -59,9 +59,8 @@ bool areEqual(const NSArray& self, const NSArray& other) {
 template <class Compare>
 NSArray sorted(const NSArray& self, const Compare& compare) {
   std::vector<id> items = detail::copyItems(self);
-  detail::mergeSort(items, [&compare](const id& a, const id& b) {
-    return compare(a, b) == NSOrderedDescending;
-  });
+  detail::mergeSort(
+      items, [&compare](const id& a, const id& b) { return compare(a, b) == NSOrderedDescending; });
   return detail::makeArray(std::move(items));
 }
 
@@ -76,18 +75,18 @@ constexpr MethodDefinition kMethods[] = {
     classMethod<"arrayWithArray:">([](const Class& self, const NSArray& other) {
       return send<"initWithArray:", id>(send<"alloc", id>(self), other);
     }),
-    method<"init">([](const NSArray& self) -> id {
-      return self->initWithObjects(nullptr, 0);
-    }),
-    method<"initWithObjects:count:">([](const NSArray& self, Cmd cmd, const id* objects,
-                                        NSUInteger count) -> id {
-      for (NSUInteger i = 0; i < count; ++i) {
-        detail::requireArgument(self, cmd.selector, objects[i], i);
-      }
-      std::vector<id> items(objects, objects + count);
-      storageOf(self).items.swap(items);
-      return self;
-    }),
+    method<"init">([](const NSArray& self) -> id { return self->initWithObjects(nullptr, 0); }),
+    method<"initWithObjects:count:">(
+        [](const NSArray& self, Cmd cmd, const id* objects, NSUInteger count) -> id {
+          for (NSUInteger i = 0; i < count; ++i) {
+            detail::requireArgument(self, cmd.selector, objects[i], i);
+          }
+          std::vector<id> items(objects, objects + count);
+          detail::ArrayStorage& storage = storageOf(self);
+          ++storage.mutations;
+          storage.items.swap(items);
+          return self;
+        }),
     method<"initWithArray:">([](const NSArray& self, const NSArray& other) -> id {
       const std::vector<id> items = detail::copyItems(other);
       return self->initWithObjects(items.data(), items.size());
@@ -190,11 +189,11 @@ constexpr MethodDefinition kMethods[] = {
         return sendSelector<NSComparisonResult>(a, comparison, b);
       });
     }),
-    method<"sortedArrayUsingComparator:">([](const NSArray& self, const Comparison& comparison) {
-      return sorted(self, comparison);
-    }),
+    method<"sortedArrayUsingComparator:">(
+        [](const NSArray& self, const Comparison& comparison) { return sorted(self, comparison); }),
     method<"makeObjectsPerformSelector:">([](const NSArray& self, SEL message) {
-      for (const id& member : detail::copyItems(self)) send<"performSelector:", id>(member, message);
+      for (const id& member : detail::copyItems(self))
+        send<"performSelector:", id>(member, message);
     }),
     method<"makeObjectsPerformSelector:withObject:">(
         [](const NSArray& self, SEL message, const id& argument) {
@@ -202,16 +201,13 @@ constexpr MethodDefinition kMethods[] = {
             send<"performSelector:withObject:", id>(member, message, argument);
           }
         }),
-    method<"description">(
-        [](const NSArray& self) { return detail::describeCollection(self, 0); }),
-    method<"descriptionWithLocale:indent:">(
-        [](const NSArray& self, const id&, NSUInteger level) {
-          return detail::describeCollection(self, level);
-        }),
-    method<"copyWithZone:">([](const NSArray& self, NSZone*) -> id { return self; }),
-    method<"mutableCopyWithZone:">([](const NSArray& self, NSZone*) -> id {
-      return NSMutableArray::arrayWithArray(self);
+    method<"description">([](const NSArray& self) { return detail::describeCollection(self, 0); }),
+    method<"descriptionWithLocale:indent:">([](const NSArray& self, const id&, NSUInteger level) {
+      return detail::describeCollection(self, level);
     }),
+    method<"copyWithZone:">([](const NSArray& self, NSZone*) -> id { return self; }),
+    method<"mutableCopyWithZone:">(
+        [](const NSArray& self, NSZone*) -> id { return NSMutableArray::arrayWithArray(self); }),
 };
 
 constexpr ProtocolRecord* kProtocols[] = {&kNSCopying, &kNSMutableCopying, &kNSFastEnumeration};

@@ -5,8 +5,8 @@
 //
 // An index at or beyond the count raises NSRangeException, nil as a member
 // NSInvalidArgumentException. Subclasses that override `count` and `objectAtIndex:` work with every
-// operation, and with `initWithObjects:count:` the class operations make them too. Arrays that nobody
-// changes may be used by many threads at once.
+// operation, and with `initWithObjects:count:` the class operations make them too. Arrays that
+// nobody changes may be used by many threads at once.
 #pragma once
 
 #include <initializer_list>
@@ -77,7 +77,9 @@ class NSArray : public Interface<NSArray, NSObject>, public NSFastEnumerable<NSA
   id firstObject() const { return send<"firstObject", id>(*this); }
   id lastObject() const { return send<"lastObject", id>(*this); }
   /// By `isEqual:`.
-  bool containsObject(const id& object) const { return send<"containsObject:", bool>(*this, object); }
+  bool containsObject(const id& object) const {
+    return send<"containsObject:", bool>(*this, object);
+  }
   /// The first that is equal; NSNotFound when there is none.
   NSUInteger indexOfObject(const id& object) const {
     return send<"indexOfObject:", NSUInteger>(*this, object);

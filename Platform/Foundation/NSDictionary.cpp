@@ -58,9 +58,8 @@ constexpr MethodDefinition kMethods[] = {
     classMethod<"dictionaryWithDictionary:">([](const Class& self, const NSDictionary& other) {
       return send<"initWithDictionary:", id>(send<"alloc", id>(self), other);
     }),
-    method<"init">([](const NSDictionary& self) -> id {
-      return self->initWithObjects(nullptr, nullptr, 0);
-    }),
+    method<"init">(
+        [](const NSDictionary& self) -> id { return self->initWithObjects(nullptr, nullptr, 0); }),
     method<"initWithObjects:forKeys:count:">([](const NSDictionary& self, Cmd cmd,
                                                 const id* objects, const id* keys,
                                                 NSUInteger count) -> id {
@@ -142,9 +141,8 @@ constexpr MethodDefinition kMethods[] = {
     method<"isEqual:">([](const NSDictionary& self, const id& other) {
       return self == other || areEqual(self, dynCast<NSDictionary>(other));
     }),
-    method<"isEqualToDictionary:">([](const NSDictionary& self, const NSDictionary& other) {
-      return areEqual(self, other);
-    }),
+    method<"isEqualToDictionary:">(
+        [](const NSDictionary& self, const NSDictionary& other) { return areEqual(self, other); }),
     method<"hash">([](const NSDictionary& self) { return self->count(); }),
     method<"description">(
         [](const NSDictionary& self) { return detail::describeCollection(self, 0); }),

@@ -4,11 +4,11 @@
 //   for (const id& name : ages) std::cout << name << ' ' << ages->objectForKey(name) << '\n';
 //
 // Keys are copied when they are put in, and found by `hash` and `isEqual:`. Nil as a key or value
-// raises NSInvalidArgumentException. Keys are enumerated in the order in which they came. Subclasses
-// that override `count`, `objectForKey:` and `keyEnumerator` work with every operation, and with
-// `initWithObjects:forKeys:count:` the class operations make them too. Dictionaries that nobody changes
-// may be used by many threads at once. A key that changes the dictionary whenever it is compared raises
-// NSGenericException.
+// raises NSInvalidArgumentException. Keys are enumerated in the order in which they came.
+// Subclasses that override `count`, `objectForKey:` and `keyEnumerator` work with every operation,
+// and with `initWithObjects:forKeys:count:` the class operations make them too. Dictionaries that
+// nobody changes may be used by many threads at once. A key that changes the dictionary whenever it
+// is compared raises NSGenericException.
 #pragma once
 
 #include <initializer_list>

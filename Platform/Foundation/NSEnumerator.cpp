@@ -18,7 +18,8 @@ using detail::Direction;
 using detail::ObjectTable;
 
 struct Fields {
-  id current;  // the batch that a loop sees; in place, so that a second loop finds it changed, not gone
+  id current;  // the batch that a loop sees; in place, so that a second loop finds it changed, not
+               // gone
 };
 
 unsigned long neverMutated = 0;

@@ -3,8 +3,8 @@
 //   NSEnumerator members = array->objectEnumerator();
 //   while (id member = members->nextObject()) ...
 //
-// It keeps its collection. A collection that changed meanwhile raises NSGenericException at the next
-// member. For one thread.
+// It keeps its collection. A collection that changed meanwhile raises NSGenericException at the
+// next member. For one thread.
 #pragma once
 
 #include <Brindle/Platform/NSFastEnumeration.h>

@@ -74,17 +74,17 @@ void replaceAll(const NSMutableArray& self, std::vector<id> items) {
 
 constexpr MethodDefinition kMethods[] = {
     // By messages for a client's class, which keeps its members elsewhere.
-    method<"initWithObjects:count:">([](const NSMutableArray& self, const id* objects,
-                                        NSUInteger count) -> id {
-      if (detail::isLibraryArray(self)) {
-        return sendSuper<NSMutableArray, "initWithObjects:count:", id>(self, objects, count);
-      }
-      const id* none = nullptr;
-      const auto made =
-          sendSuper<NSMutableArray, "initWithObjects:count:", NSMutableArray>(self, none, NSUInteger{0});
-      for (NSUInteger i = 0; i < count; ++i) made->addObject(objects[i]);
-      return made;
-    }),
+    method<"initWithObjects:count:">(
+        [](const NSMutableArray& self, const id* objects, NSUInteger count) -> id {
+          if (detail::isLibraryArray(self)) {
+            return sendSuper<NSMutableArray, "initWithObjects:count:", id>(self, objects, count);
+          }
+          const id* none = nullptr;
+          const auto made = sendSuper<NSMutableArray, "initWithObjects:count:", NSMutableArray>(
+              self, none, NSUInteger{0});
+          for (NSUInteger i = 0; i < count; ++i) made->addObject(objects[i]);
+          return made;
+        }),
     classMethod<"arrayWithCapacity:">([](const Class& self, NSUInteger capacity) -> id {
       return send<"initWithCapacity:", id>(send<"alloc", id>(self), capacity);
     }),
@@ -140,7 +140,8 @@ constexpr MethodDefinition kMethods[] = {
         auto& items = changed(self);
         const auto first = items.begin() + static_cast<std::ptrdiff_t>(range.location);
         const auto last = first + static_cast<std::ptrdiff_t>(range.length);
-        const std::vector<id> removed(std::make_move_iterator(first), std::make_move_iterator(last));
+        const std::vector<id> removed(std::make_move_iterator(first),
+                                      std::make_move_iterator(last));
         items.erase(first, last);
         return;
       }
@@ -173,12 +174,10 @@ constexpr MethodDefinition kMethods[] = {
     method<"sortUsingSelector:">([](const NSMutableArray& self, SEL comparison) {
       replaceAll(self, detail::copyItems(self->sortedArrayUsingSelector(comparison)));
     }),
-    method<"sortUsingComparator:">(
-        [](const NSMutableArray& self, const NSComparator& comparison) {
-          const auto sorted =
-              send<"sortedArrayUsingComparator:", NSArray>(self, comparison);
-          replaceAll(self, detail::copyItems(sorted));
-        }),
+    method<"sortUsingComparator:">([](const NSMutableArray& self, const NSComparator& comparison) {
+      const auto sorted = send<"sortedArrayUsingComparator:", NSArray>(self, comparison);
+      replaceAll(self, detail::copyItems(sorted));
+    }),
     method<"copyWithZone:">([](const NSMutableArray& self, NSZone*) -> id {
       return detail::makeArray(detail::copyItems(self));
     }),

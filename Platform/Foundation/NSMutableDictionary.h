@@ -1,5 +1,5 @@
-// A dictionary whose entries can be added, replaced and taken away. What is said of NSDictionary holds
-// here; for one thread at a time while it changes.
+// A dictionary whose entries can be added, replaced and taken away. What is said of NSDictionary
+// holds here; for one thread at a time while it changes.
 //
 // Subclasses override `count`, `objectForKey:`, `keyEnumerator`, `setObject:forKey:` and
 // `removeObjectForKey:`; those made of other entries get them by `setObject:forKey:`.

@@ -19,17 +19,17 @@ constexpr NSUInteger kGreatestReserve = 1U << 20U;
 
 constexpr MethodDefinition kMethods[] = {
     // By messages for a client's class, which keeps its members elsewhere.
-    method<"initWithObjects:count:">([](const NSMutableSet& self, const id* objects,
-                                        NSUInteger count) -> id {
-      if (detail::isLibrarySet(self)) {
-        return sendSuper<NSMutableSet, "initWithObjects:count:", id>(self, objects, count);
-      }
-      const id* none = nullptr;
-      const auto made =
-          sendSuper<NSMutableSet, "initWithObjects:count:", NSMutableSet>(self, none, NSUInteger{0});
-      for (NSUInteger i = 0; i < count; ++i) made->addObject(objects[i]);
-      return made;
-    }),
+    method<"initWithObjects:count:">(
+        [](const NSMutableSet& self, const id* objects, NSUInteger count) -> id {
+          if (detail::isLibrarySet(self)) {
+            return sendSuper<NSMutableSet, "initWithObjects:count:", id>(self, objects, count);
+          }
+          const id* none = nullptr;
+          const auto made = sendSuper<NSMutableSet, "initWithObjects:count:", NSMutableSet>(
+              self, none, NSUInteger{0});
+          for (NSUInteger i = 0; i < count; ++i) made->addObject(objects[i]);
+          return made;
+        }),
     classMethod<"setWithCapacity:">([](const Class& self, NSUInteger capacity) -> id {
       return send<"initWithCapacity:", id>(send<"alloc", id>(self), capacity);
     }),

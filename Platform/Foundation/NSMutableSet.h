@@ -1,8 +1,8 @@
-// A set whose members can be added and taken away. What is said of NSSet holds here; for one thread at
-// a time while it changes.
+// A set whose members can be added and taken away. What is said of NSSet holds here; for one thread
+// at a time while it changes.
 //
-// Subclasses override `count`, `member:`, `objectEnumerator`, `addObject:` and `removeObject:`; those
-// made of other objects get them by `addObject:`.
+// Subclasses override `count`, `member:`, `objectEnumerator`, `addObject:` and `removeObject:`;
+// those made of other objects get them by `addObject:`.
 #pragma once
 
 #include <Brindle/Platform/NSSet.h>

@@ -92,8 +92,7 @@ constexpr MethodDefinition kMethods[] = {
     }),
     method<"anyObject">(
         [](const NSSet& self) -> id { return self->objectEnumerator()->nextObject(); }),
-    method<"allObjects">(
-        [](const NSSet& self) { return detail::makeArray(copyMembers(self)); }),
+    method<"allObjects">([](const NSSet& self) { return detail::makeArray(copyMembers(self)); }),
     method<"objectEnumerator">([](const NSSet& self) {
       return detail::makeTableEnumerator(self, tableOf(self), detail::Column::kKeys);
     }),

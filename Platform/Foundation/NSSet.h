@@ -3,11 +3,11 @@
 //   NSSet vowels = {"a"_ns, "e"_ns, "i"_ns, "o"_ns, "u"_ns};
 //   if (vowels->containsObject(letter)) ...
 //
-// Members are found by `hash` and `isEqual:`, and enumerated in the order in which they came. Nil as
-// a member raises NSInvalidArgumentException. Subclasses that override `count`, `member:` and
-// `objectEnumerator` work with every operation, and with `initWithObjects:count:` the class operations
-// make them too. Sets that nobody changes may be used by many threads at once. A member that changes
-// the set whenever it is compared raises NSGenericException.
+// Members are found by `hash` and `isEqual:`, and enumerated in the order in which they came. Nil
+// as a member raises NSInvalidArgumentException. Subclasses that override `count`, `member:` and
+// `objectEnumerator` work with every operation, and with `initWithObjects:count:` the class
+// operations make them too. Sets that nobody changes may be used by many threads at once. A member
+// that changes the set whenever it is compared raises NSGenericException.
 #pragma once
 
 #include <initializer_list>
@@ -69,16 +69,22 @@ class NSSet : public Interface<NSSet, NSObject>, public NSFastEnumerable<NSSet> 
   NSUInteger count() const { return send<"count", NSUInteger>(*this); }
   /// The member that is equal to the object; nil when there is none.
   id member(const id& object) const { return send<"member:", id>(*this, object); }
-  bool containsObject(const id& object) const { return send<"containsObject:", bool>(*this, object); }
+  bool containsObject(const id& object) const {
+    return send<"containsObject:", bool>(*this, object);
+  }
   /// One of the members; nil when there is none.
   id anyObject() const { return send<"anyObject", id>(*this); }
   NSArray allObjects() const { return send<"allObjects", NSArray>(*this); }
   NSEnumerator objectEnumerator() const { return send<"objectEnumerator", NSEnumerator>(*this); }
   bool isEqualToSet(const NSSet& other) const { return send<"isEqualToSet:", bool>(*this, other); }
   /// Whether every member is in the other set.
-  bool isSubsetOfSet(const NSSet& other) const { return send<"isSubsetOfSet:", bool>(*this, other); }
+  bool isSubsetOfSet(const NSSet& other) const {
+    return send<"isSubsetOfSet:", bool>(*this, other);
+  }
   /// Whether any member is in the other set.
-  bool intersectsSet(const NSSet& other) const { return send<"intersectsSet:", bool>(*this, other); }
+  bool intersectsSet(const NSSet& other) const {
+    return send<"intersectsSet:", bool>(*this, other);
+  }
 
   NSSet setByAddingObject(const id& object) const {
     return send<"setByAddingObject:", NSSet>(*this, object);

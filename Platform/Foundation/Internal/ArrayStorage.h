@@ -51,8 +51,6 @@ class ArrayItems {
 std::vector<id> copyItems(const NSArray& array);
 
 /// Whether the two are the same object or equal.
-inline bool sameOrEqual(const id& a, const id& b) {
-  return a == b || send<"isEqual:", bool>(a, b);
-}
+inline bool sameOrEqual(const id& a, const id& b) { return a == b || send<"isEqual:", bool>(a, b); }
 
 }  // namespace brindle::detail

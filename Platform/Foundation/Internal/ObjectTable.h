@@ -1,7 +1,7 @@
 // The hash table behind dictionaries and sets: keys by `hash` and `isEqual:`, in the order in which
-// they came. Both messages may run a client's code, which may change the table that asks: after each of
-// them the table is looked at anew, and objects that leave are released when the table is whole. A
-// raise out of either leaves the table as it was.
+// they came. Both messages may run a client's code, which may change the table that asks: after
+// each of them the table is looked at anew, and objects that leave are released when the table is
+// whole. A raise out of either leaves the table as it was.
 #pragma once
 
 #include <cstdint>
@@ -56,8 +56,10 @@ class ObjectTable {
     entries_.push_back({key, value, hash});
     ++live_;
     if (entries_.size() <= kLinear) return;
-    if (slots_.size() * 3 < entries_.size() * 4) rebuildSlots();
-    else occupySlot(entries_.size() - 1);
+    if (slots_.size() * 3 < entries_.size() * 4)
+      rebuildSlots();
+    else
+      occupySlot(entries_.size() - 1);
   }
 
   void remove(const id& key) {
@@ -158,8 +160,10 @@ class ObjectTable {
   }
   void compact() {
     std::erase_if(entries_, [](const Entry& entry) { return !entry.key; });
-    if (entries_.size() > kLinear) rebuildSlots();
-    else slots_.clear();
+    if (entries_.size() > kLinear)
+      rebuildSlots();
+    else
+      slots_.clear();
   }
   void forgetEntries() {
     entries_.clear();

@@ -183,8 +183,7 @@ NSEnumerator members(const Self& self) {
 
 constexpr MethodDefinition kSetMethods[] = {
     method<"count">([](const ClientSet& self) -> NSUInteger { return row(self).size(); }),
-    method<"member:">(
-        [](const ClientSet& self, const id& object) { return member(self, object); }),
+    method<"member:">([](const ClientSet& self, const id& object) { return member(self, object); }),
     method<"objectEnumerator">([](const ClientSet& self) { return members(self); }),
 };
 

@@ -189,7 +189,8 @@ TEST(NSArraySortingTest, KeepsTheOrderOfEqualMembers) {
   std::mt19937 random(1);
   for (const int count : {0, 1, 2, 3, 5, 16, 17, 1000}) {
     std::vector<id> members;
-    for (int i = 0; i < count; ++i) members.push_back(Member::with(static_cast<int>(random() % 10)));
+    for (int i = 0; i < count; ++i)
+      members.push_back(Member::with(static_cast<int>(random() % 10)));
     const NSArray array = NSArray::arrayWithObjects(members.data(), members.size());
     std::stable_sort(members.begin(), members.end(),
                      [](const id& a, const id& b) { return numberOf(a) < numberOf(b); });
@@ -263,7 +264,8 @@ TEST(NSArrayTest, ADescriptionThatChangesItsArrayAndTheSeparator) {
     separator->setString(""_ns);
     return "first"_ns;
   };
-  EXPECT_EQ(told(array->componentsJoinedByString(separator)), "first" + std::string(100, '-') + "m2");
+  EXPECT_EQ(told(array->componentsJoinedByString(separator)),
+            "first" + std::string(100, '-') + "m2");
 }
 
 TEST(NSArrayTest, AMemberThatLooksAtTheArrayItGoesWith) {

@@ -41,7 +41,8 @@ TEST(NSDictionaryTest, MadeInManyWays) {
       {{"a"_ns, "1"_ns}, {"b"_ns, "2"_ns}},
       NSDictionary::dictionaryWithObjects(objects, keys, 2),
       NSDictionary::dictionaryWithObjects({"1"_ns, "2"_ns}, {"a"_ns, "b"_ns}),
-      NSDictionary::dictionaryWithDictionary(ClientDictionary::with({{"b", "2"_ns}, {"a", "1"_ns}})),
+      NSDictionary::dictionaryWithDictionary(
+          ClientDictionary::with({{"b", "2"_ns}, {"a", "1"_ns}})),
       NSDictionary::alloc()->initWithObjects(objects, keys, 2),
       NSDictionary::alloc()->initWithDictionary({{"a"_ns, "1"_ns}, {"b"_ns, "2"_ns}})};
   for (const NSDictionary& each : all) {
@@ -65,7 +66,9 @@ TEST(NSDictionaryTest, NilIsNeitherKeyNorValue) {
   EXPECT_EQ(raisedBy([] { NSDictionary::dictionaryWithObject(nullptr, "k"_ns); }), kArgument);
   EXPECT_EQ(raisedBy([] { NSDictionary::dictionaryWithObject("v"_ns, nullptr); }), kArgument);
   EXPECT_EQ(raisedBy([] { NSDictionary({{"k"_ns, id()}}); }), kArgument);
-  EXPECT_EQ(raisedBy([] { NSDictionary::dictionaryWithObjects({"v"_ns}, {"a"_ns, "b"_ns}); }),
+  EXPECT_EQ(raisedBy([] {
+              NSDictionary::dictionaryWithObjects({"v"_ns}, {"a"_ns, "b"_ns});
+            }),
             kArgument);
   EXPECT_EQ(raisedBy([] { NSDictionary::dictionaryWithObjects({"v"_ns}, nullptr); }), kArgument);
   EXPECT_FALSE(NSDictionary({{"k"_ns, "v"_ns}})->objectForKey(nullptr));
@@ -88,7 +91,8 @@ TEST(NSDictionaryTest, KeysAreCopied) {
 
 TEST(NSDictionaryTest, OfEqualKeysTheFirstStaysAndTheLastValueCounts) {
   const Member first = Member::with(1);
-  const NSDictionary dictionary = {{first, "old"_ns}, {"k"_ns, "v"_ns}, {Member::with(1), "new"_ns}};
+  const NSDictionary dictionary = {
+      {first, "old"_ns}, {"k"_ns, "v"_ns}, {Member::with(1), "new"_ns}};
   EXPECT_EQ(dictionary->count(), 2u);
   EXPECT_EQ(dictionary->allKeys()[0], first);
   EXPECT_EQ(told(dictionary[first]), "new");
@@ -156,9 +160,11 @@ TEST(NSDictionaryTest, KeepsTheOrderOfManyKeys) {
   for (const int count : {1, 8, 9, 16, 17, 33, 1000}) {
     std::vector<id> keys;
     for (int i = 0; i < count; ++i) keys.push_back(Member::with((i * 7919) % 10007));
-    const auto dictionary = NSDictionary::dictionaryWithObjects(keys.data(), keys.data(), keys.size());
+    const auto dictionary =
+        NSDictionary::dictionaryWithObjects(keys.data(), keys.data(), keys.size());
     ASSERT_EQ(dictionary->count(), keys.size());
-    EXPECT_TRUE(dictionary->allKeys()->isEqual(NSArray::arrayWithObjects(keys.data(), keys.size())));
+    EXPECT_TRUE(
+        dictionary->allKeys()->isEqual(NSArray::arrayWithObjects(keys.data(), keys.size())));
     for (const id& key : keys) EXPECT_EQ(dictionary[key], key);
     EXPECT_FALSE(dictionary[Member::with(-1)]);
   }
@@ -171,7 +177,8 @@ TEST(NSDictionaryTest, KeysOfOneHashAreToldApart) {
     key->actions().hash = [] { return NSUInteger{7}; };
     keys.push_back(key);
   }
-  const auto dictionary = NSDictionary::dictionaryWithObjects(keys.data(), keys.data(), keys.size());
+  const auto dictionary =
+      NSDictionary::dictionaryWithObjects(keys.data(), keys.data(), keys.size());
   for (const id& key : keys) EXPECT_EQ(dictionary[key], key);
 }
 
@@ -201,7 +208,10 @@ TEST(NSDictionaryTest, ARaisingKeyMakesNoDictionary) {
   {
     const Member raising = Member::with(2);
     raising->actions().hash = []() -> NSUInteger { throw std::runtime_error("hash"); };
-    EXPECT_EQ(raisedBy([&] { NSDictionary({{Member::with(1), "v"_ns}, {raising, "v"_ns}}); }), "hash");
+    EXPECT_EQ(raisedBy([&] {
+                NSDictionary({{Member::with(1), "v"_ns}, {raising, "v"_ns}});
+              }),
+              "hash");
     const NSDictionary dictionary = {{Member::with(1), "v"_ns}};
     EXPECT_EQ(raisedBy([&] { (void)dictionary[raising]; }), "hash");
     EXPECT_EQ(told(dictionary[Member::with(1)]), "v");
@@ -232,7 +242,8 @@ TEST(NSDictionaryTest, CopiesOfAnImmutableDictionaryAreItself) {
 TEST(NSDictionaryTest, ManyThreadsAskAtOnce) {
   std::vector<id> keys;
   for (int i = 0; i < 100; ++i) keys.push_back(Member::with(i));
-  const auto dictionary = NSDictionary::dictionaryWithObjects(keys.data(), keys.data(), keys.size());
+  const auto dictionary =
+      NSDictionary::dictionaryWithObjects(keys.data(), keys.data(), keys.size());
   std::vector<std::thread> threads;
   std::vector<int> found(4);
   for (int& count : found) {

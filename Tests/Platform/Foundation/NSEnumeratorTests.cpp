@@ -75,10 +75,14 @@ TEST(NSEnumeratorTest, AllObjectsAreThoseStillToCome) {
 
 TEST(NSEnumeratorTest, KeepsItsCollection) {
   const int before = Member::living();
-  NSEnumerator members = NSArray{Member::with(1), Member::with(2)}->objectEnumerator();
-  NSEnumerator backwards = NSArray{Member::with(3)}->reverseObjectEnumerator();
-  NSEnumerator keys = NSDictionary{{Member::with(4), "v"_ns}}->keyEnumerator();
-  NSEnumerator values = NSDictionary{{"k"_ns, Member::with(5)}}->objectEnumerator();
+  NSEnumerator members = NSArray { Member::with(1), Member::with(2) } -> objectEnumerator();
+  NSEnumerator backwards = NSArray { Member::with(3) } -> reverseObjectEnumerator();
+  NSEnumerator keys = NSDictionary {
+    { Member::with(4), "v"_ns }
+    } -> keyEnumerator();
+  NSEnumerator values = NSDictionary {
+    { "k"_ns, Member::with(5) }
+    } -> objectEnumerator();
   EXPECT_EQ(Member::living(), before + 5);
   EXPECT_EQ(listed(members), "m1 m2");
   EXPECT_EQ(listed(backwards), "m3");
@@ -129,8 +133,8 @@ TEST(NSEnumeratorTest, AClientsCollectionThatShrinksRaises) {
 }
 
 TEST(NSEnumeratorTest, OutlivesThePoolsInWhichItIsAsked) {
-  const NSEnumerator members = ClientArray::with({Member::with(1), Member::with(2)})
-                                   ->objectEnumerator();
+  const NSEnumerator members =
+      ClientArray::with({Member::with(1), Member::with(2)})->objectEnumerator();
   for (int i = 1; i <= 2; ++i) {
     AutoreleasePool pool;
     EXPECT_EQ(told(members->nextObject()), "m" + std::to_string(i));

@@ -16,10 +16,14 @@ const char* const kGeneric = "NSGenericException";
 
 TEST(NSFastEnumerationTest, Tour) {
   std::string seen;
-  for (const id& colour : NSArray{"red"_ns, "green"_ns}) seen += std::string(cast<NSString>(colour));
+  for (const id& colour : NSArray{"red"_ns, "green"_ns})
+    seen += std::string(cast<NSString>(colour));
   EXPECT_EQ(seen, "redgreen");
   const NSMutableArray changing = {"a"_ns, "b"_ns};
-  EXPECT_EQ(raisedBy([&] { for (const id& x : changing) changing->addObject(x); }), kGeneric);
+  EXPECT_EQ(raisedBy([&] {
+              for (const id& x : changing) changing->addObject(x);
+            }),
+            kGeneric);
 }
 
 TEST(NSFastEnumerationTest, NilAndEmptyHaveNothing) {
@@ -107,6 +111,24 @@ TEST(NSFastEnumerationTest, AfterTheLastMemberAChangeIsNoHarm) {
     EXPECT_EQ(changedAt(setOf(count), count - 1, empty), wanted);
     EXPECT_EQ(changedAt(dictionaryOf(count), count - 1, empty), wanted);
   }
+}
+
+TEST(NSFastEnumerationTest, InitialisingAgainIsAChange) {
+  const auto array = arrayOf(3);
+  const auto set = setOf(20);
+  const auto dictionary = dictionaryOf(20);
+  EXPECT_EQ(raisedBy([&] {
+              for ([[maybe_unused]] const id& x : array) array->init();
+            }),
+            kGeneric);
+  EXPECT_EQ(raisedBy([&] {
+              for ([[maybe_unused]] const id& x : set) set->init();
+            }),
+            kGeneric);
+  EXPECT_EQ(raisedBy([&] {
+              for ([[maybe_unused]] const id& x : dictionary) dictionary->init();
+            }),
+            kGeneric);
 }
 
 TEST(NSFastEnumerationTest, AMemberAddedAtTheLastIsANextOne) {

@@ -178,8 +178,8 @@ TEST(NSMutableArrayTest, RemovesManyFromMany) {
 // --- Members with a will of their own ------------------------------------------------------------
 
 TEST(NSMutableArrayTest, AMemberThatEmptiesTheArrayWhileOthersAreRemoved) {
-  for (const NSMutableArray& list : {NSMutableArray::array(),
-                                     NSMutableArray(ClientMutableArray::with({}))}) {
+  for (const NSMutableArray& list :
+       {NSMutableArray::array(), NSMutableArray(ClientMutableArray::with({}))}) {
     list->setArray(NSArray{Member::with(1), Member::with(2), Member::with(3)});
     const Member asking = Member::with(2);
     asking->actions().isEqual = [&](const id&) {
@@ -249,7 +249,9 @@ TEST(NSMutableArrayTest, ARaisingMemberLeavesTheArray) {
 
 void runRandomProgram(const NSMutableArray& list, unsigned seed, int steps) {
   std::mt19937 random(seed);
-  const auto below = [&random](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
+  const auto below = [&random](std::size_t limit) {
+    return static_cast<std::size_t>(random() % limit);
+  };
   std::vector<int> model;
   for (int step = 0; step < steps; ++step) {
     const int number = static_cast<int>(below(50));
@@ -280,9 +282,8 @@ void runRandomProgram(const NSMutableArray& list, unsigned seed, int steps) {
         break;
       case 7: {
         const auto found = std::find(model.begin(), model.end(), number);
-        const auto wanted = found == model.end()
-                                ? kMissing
-                                : static_cast<NSUInteger>(found - model.begin());
+        const auto wanted =
+            found == model.end() ? kMissing : static_cast<NSUInteger>(found - model.begin());
         ASSERT_EQ(list->indexOfObject(member), wanted);
         break;
       }

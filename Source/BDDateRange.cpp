@@ -3,7 +3,7 @@
 #include <Brindle/BDDateRange.h>
 
 #include <atomic>
-#include <mutex>
+#include <thread>
 
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/Field.h>
@@ -32,12 +32,9 @@ Fields& fields(const BDDateRange& self) { return fieldsOf<Fields>(self); }
 class AnchorLock {
  public:
   explicit AnchorLock(Fields& fields) : flag_(fields.lock) {
-    while (flag_.test_and_set(std::memory_order_acquire)) flag_.wait(true);
+    while (flag_.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
   }
-  ~AnchorLock() {
-    flag_.clear(std::memory_order_release);
-    flag_.notify_one();
-  }
+  ~AnchorLock() { flag_.clear(std::memory_order_release); }
   AnchorLock(const AnchorLock&) = delete;
   AnchorLock& operator=(const AnchorLock&) = delete;
 

@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::int64_t kDaySeconds = 86400;
 constexpr double kReference = 978307200;  // 2001 in seconds since 1970
+constexpr std::int64_t kLateYear = 5000000;  // well inside the days that calendars know
 
 CivilDate dateOf(std::int64_t day) noexcept {
   const internal::CivilDay civil = internal::civilDay(day);
@@ -32,7 +33,12 @@ CivilDate civilDateAt(double instant) noexcept {
 CivilStart startOfCivilDate(const CivilDate& date) noexcept {
   const std::int64_t day = internal::dayNumber({date.year, date.month, date.day});
   const internal::DayStart start = internal::startOfDay(*internal::defaultZone(), day);
-  return {static_cast<double>(start.instant) - kReference, dateOf(start.day)};
+  const double instant = static_cast<double>(start.instant) - kReference;
+  // Most fields need no carrying: every month of the Gregorian calendar has 28 days.
+  const bool isPlain = start.day == day && date.year > 1582 && date.year < kLateYear &&
+                       date.month >= 1 && date.month <= 12 && date.day >= 1 && date.day <= 28;
+  if (!isPlain) return {instant, dateOf(start.day)};
+  return {instant, {date.year, date.month, date.day, internal::weekdayOf(day)}};
 }
 
 }  // namespace brindle

@@ -1,8 +1,9 @@
 #include <Brindle/Platform/NSKeyedArchiver.h>
 
 #include <algorithm>
-#include <map>
+#include <atomic>
 #include <mutex>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -15,6 +16,7 @@
 #include "Platform/Foundation/Internal/Coding.h"
 #include "Platform/Foundation/Internal/DataStorage.h"
 #include "Platform/Foundation/Internal/NumberKind.h"
+#include "Platform/Foundation/Internal/PointerTable.h"
 #include "Platform/Foundation/Internal/PropertyListFormat.h"
 #include "Platform/Foundation/Internal/StringAccess.h"
 
@@ -27,21 +29,20 @@ using internal::TextView;
 using Index = PropertyList::Index;
 using Uid = std::uint32_t;
 
-/// Keys and values of the object that is being written, alternating.
-using Frame = std::vector<Index>;
-
 struct Fields {
   PropertyList list;
-  std::vector<Index> objects;  // by UID; kNone while an object is written
-  std::unordered_map<ObjectRecord*, Uid> uids;
+  std::vector<Index> objects;    // by UID; kNone while an object is written
+  internal::PointerTable uids;   // of objects and classes
   std::vector<id> kept;  // what has a UID stays alive, so that no other object takes its address
-  std::unordered_map<ClassRecord*, Uid> classUids;
   std::vector<std::pair<Index, Uid>> conditionals;  // references that may become nil
   std::unordered_map<ClassRecord*, NSString> classNames;
-  std::vector<Frame> frames;  // the first is the archive's own
+  // Keys and values, alternating, of the archive itself, of the object that is being written, and
+  // of those that it is written for. Those of the last begin at `frame`.
+  std::vector<Index> values;
+  std::size_t frame = 0;
   NSMutableData target;
   NSPropertyListFormat format = NSPropertyListBinaryFormat_v1_0;
-  bool isFinished = false;
+  bool isOpen = false;
 };
 
 Fields& fields(const NSKeyedArchiver& self) { return fieldsOf<Fields>(self); }
@@ -50,6 +51,7 @@ TextView plain(std::string_view text) { return TextView::latin1(text); }
 
 // The names that all archivers write, by class.
 struct SharedNames {
+  std::atomic<bool> isUsed{false};  // most programs never do
   std::mutex lock;
   std::unordered_map<ClassRecord*, NSString> names;
 };
@@ -60,6 +62,7 @@ SharedNames& sharedNames() {
 
 NSString sharedName(ClassRecord* cls) {
   SharedNames& shared = sharedNames();
+  if (!shared.isUsed.load(std::memory_order_acquire)) return nullptr;
   const std::lock_guard guard(shared.lock);
   const auto found = shared.names.find(cls);
   return found != shared.names.end() ? found->second : NSString();
@@ -68,7 +71,7 @@ NSString sharedName(ClassRecord* cls) {
 // --- Values under keys ---------------------------------------------------------------------------
 
 void requireOpen(const NSKeyedArchiver& self, SEL selector) {
-  if (!fields(self).isFinished && !fields(self).frames.empty()) return;
+  if (fields(self).isOpen) return;
   detail::raiseIn("NSInvalidArchiveOperationException", self, selector,
                   "the archive is finished, or was not begun");
 }
@@ -85,15 +88,14 @@ Index addKey(PropertyList& list, const NSString& key) {
 // The value replaces that of an equal key.
 void put(const NSKeyedArchiver& self, Index key, Index value) {
   Fields& f = fields(self);
-  Frame& frame = f.frames.back();
-  for (std::size_t i = 0; i < frame.size(); i += 2) {
-    if (f.list.string(frame[i]) == f.list.string(key)) {
-      frame[i + 1] = value;
+  const TextView name = f.list.string(key);
+  for (std::size_t i = f.frame; i < f.values.size(); i += 2) {
+    if (f.list.string(f.values[i]) == name) {
+      f.values[i + 1] = value;
       return;
     }
   }
-  frame.push_back(key);
-  frame.push_back(value);
+  f.values.insert(f.values.end(), {key, value});
 }
 
 void begin(const NSKeyedArchiver& self, SEL selector, const NSString& key) {
@@ -143,26 +145,28 @@ Uid newUid(Fields& f) {
   return static_cast<Uid>(f.objects.size() - 1);
 }
 
-NSString nameOf(const NSKeyedArchiver& self, Class cls) {
-  const auto& own = fields(self).classNames;
-  const auto found = own.find(cls.record());
-  if (found != own.end()) return found->second;
-  const NSString shared = sharedName(cls.record());
-  return shared ? shared : NSStringFromClass(cls);
+Index nameNode(const NSKeyedArchiver& self, Class cls) {
+  Fields& f = fields(self);
+  const auto found = f.classNames.find(cls.record());
+  const NSString other =
+      found != f.classNames.end() ? found->second : sharedName(cls.record());
+  if (other) return f.list.addString(detail::StringText(other));
+  const std::string_view name = class_getName(cls);
+  if (TextView::latin1(name).isAscii()) return f.list.addLentString(TextView::latin1(name));
+  return f.list.addString(detail::StringText(NSStringFromClass(cls)));
 }
 
 // A class with its superclasses, once in each archive.
 Uid classUid(const NSKeyedArchiver& self, Class cls) {
   Fields& f = fields(self);
-  const auto [place, isNew] = f.classUids.try_emplace(cls.record(), 0);
-  if (!isNew) return place->second;
-  const Uid uid = place->second = newUid(f);
+  std::uint32_t& known = f.uids[cls.record()];
+  if (known != internal::PointerTable::kNone) return known;
+  const Uid uid = known = newUid(f);
   std::vector<Index> chain;
-  for (Class c = cls; c; c = class_getSuperclass(c)) {
-    chain.push_back(f.list.addString(detail::StringText(nameOf(self, c))));
-  }
-  const Index entries[] = {f.list.addString(plain("$classname")), chain.front(),
-                           f.list.addString(plain("$classes")), f.list.addArray(chain)};
+  chain.reserve(4);
+  for (Class c = cls; c; c = class_getSuperclass(c)) chain.push_back(nameNode(self, c));
+  const Index entries[] = {f.list.addLentString(plain("$classname")), chain.front(),
+                           f.list.addLentString(plain("$classes")), f.list.addArray(chain)};
   f.objects[uid] = f.list.addDictionary(entries);
   return uid;
 }
@@ -170,18 +174,23 @@ Uid classUid(const NSKeyedArchiver& self, Class cls) {
 /// The values of one object while it is written; gone when its code raises.
 class OpenFrame {
  public:
-  explicit OpenFrame(Fields& fields) : fields_(fields), depth_(fields.frames.size()) {
-    fields_.frames.emplace_back();
+  explicit OpenFrame(Fields& fields) : fields_(fields), outer_(fields.frame) {
+    fields_.frame = fields_.values.size();
   }
-  ~OpenFrame() { fields_.frames.resize(depth_); }
+  ~OpenFrame() {
+    fields_.values.resize(fields_.frame);
+    fields_.frame = outer_;
+  }
   OpenFrame(const OpenFrame&) = delete;
   OpenFrame& operator=(const OpenFrame&) = delete;
 
-  [[nodiscard]] Frame& values() { return fields_.frames[depth_]; }
+  [[nodiscard]] std::span<const Index> values() const {
+    return std::span(fields_.values).subspan(fields_.frame);
+  }
 
  private:
   Fields& fields_;
-  std::size_t depth_;
+  std::size_t outer_;
 };
 
 void writeObject(const NSKeyedArchiver& self, const id& object, Uid uid) {
@@ -193,10 +202,10 @@ void writeObject(const NSKeyedArchiver& self, const id& object, Uid uid) {
     return;
   }
   detail::requireStack("NSInvalidArchiveOperationException");
-  OpenFrame frame(f);
+  const OpenFrame frame(f);
   send<"encodeWithCoder:">(object, self);
-  frame.values().push_back(f.list.addString(plain("$class")));
-  frame.values().push_back(f.list.addUid(classUid(self, cls)));
+  const Index key = f.list.addLentString(plain("$class"));
+  f.values.insert(f.values.end(), {key, f.list.addUid(classUid(self, cls))});
   f.objects[uid] = f.list.addDictionary(frame.values());
 }
 
@@ -204,12 +213,13 @@ void writeObject(const NSKeyedArchiver& self, const id& object, Uid uid) {
 Uid uidOf(const NSKeyedArchiver& self, const id& object) {
   Fields& f = fields(self);
   if (!object) return 0;
-  const auto [place, isNew] = f.uids.try_emplace(object.record(), 0);
+  std::uint32_t& known = f.uids[object.record()];
+  const bool isNew = known == internal::PointerTable::kNone;
   if (isNew) {
     f.kept.push_back(object);
-    place->second = newUid(f);
+    known = newUid(f);
   }
-  const Uid uid = place->second;
+  const Uid uid = known;
   // New, or so far only referred to on condition.
   const bool isUnwritten = isNew || (f.objects[uid] == PropertyList::kNone &&
                                      std::any_of(f.conditionals.begin(), f.conditionals.end(),
@@ -224,12 +234,13 @@ Uid uidOf(const NSKeyedArchiver& self, const id& object) {
 void encodeConditional(const NSKeyedArchiver& self, const id& object, Index key) {
   Fields& f = fields(self);
   if (!object) return put(self, key, f.list.addUid(0));
-  const auto [place, isNew] = f.uids.try_emplace(object.record(), 0);
+  std::uint32_t& known = f.uids[object.record()];
+  const bool isNew = known == internal::PointerTable::kNone;
   if (isNew) {
     f.kept.push_back(object);
-    place->second = newUid(f);
+    known = newUid(f);
   }
-  const auto uid = place->second;
+  const Uid uid = known;
   const Index reference = f.list.addUid(uid);
   const bool isPending = isNew || std::any_of(f.conditionals.begin(), f.conditionals.end(),
                                               [uid](auto& c) { return c.second == uid; });
@@ -241,9 +252,8 @@ void encodeConditional(const NSKeyedArchiver& self, const id& object, Index key)
 
 void finish(const NSKeyedArchiver& self, SEL selector) {
   Fields& f = fields(self);
-  if (f.isFinished) return;
-  requireOpen(self, selector);
-  f.isFinished = true;
+  if (!f.isOpen) return;
+  f.isOpen = false;
   for (const auto& [reference, uid] : f.conditionals) {
     internal::PropertyNode nil = f.list.node(reference);
     nil.integer.low = 0;
@@ -255,19 +265,21 @@ void finish(const NSKeyedArchiver& self, SEL selector) {
                     "an object was not written to its end");
   }
   const Index entries[] = {
-      f.list.addString(plain("$version")),  f.list.addInteger(std::int64_t{100000}),
-      f.list.addString(plain("$archiver")), f.list.addString(plain("NSKeyedArchiver")),
-      f.list.addString(plain("$top")),      f.list.addDictionary(f.frames.front()),
-      f.list.addString(plain("$objects")),  f.list.addArray(f.objects)};
+      f.list.addLentString(plain("$version")),  f.list.addInteger(std::int64_t{100000}),
+      f.list.addLentString(plain("$archiver")), f.list.addLentString(plain("NSKeyedArchiver")),
+      f.list.addLentString(plain("$top")),      f.list.addDictionary(f.values),
+      f.list.addLentString(plain("$objects")),  f.list.addArray(f.objects)};
   f.list.setRoot(f.list.addDictionary(entries));
   const auto format = f.format == NSPropertyListXMLFormat_v1_0 ? internal::PropertyListFormat::xml
                                                                : internal::PropertyListFormat::binary;
   std::string error;
-  const auto bytes = internal::writePropertyList(f.list, format, error);
+  auto bytes = internal::writePropertyList(f.list, format, error);
   if (!bytes) detail::raiseIn("NSInvalidArchiveOperationException", self, selector, error);
-  const NSMutableData target = f.target;
-  target->setLength(0);
-  target->appendBytes(bytes->data(), bytes->size());
+  if (f.target->isMemberOfClass(NSMutableData::class_())) {
+    detail::bytesOf(f.target) = std::move(*bytes);
+  } else {
+    f.target->setData(detail::makeData(std::move(*bytes)));
+  }
 }
 
 constexpr MethodDefinition kMethods[] = {
@@ -286,6 +298,7 @@ constexpr MethodDefinition kMethods[] = {
     classMethod<"setClassName:forClass:">([](const Class&, const NSString& name, const Class& cls) {
       SharedNames& shared = sharedNames();
       const std::lock_guard guard(shared.lock);
+      shared.isUsed.store(true, std::memory_order_release);
       if (name) shared.names.insert_or_assign(cls.record(), name->copy());
       else shared.names.erase(cls.record());
     }),
@@ -296,9 +309,12 @@ constexpr MethodDefinition kMethods[] = {
           detail::requireArgument(self, cmd.selector, data);
           Fields& f = fields(self);
           f.target = data;
-          f.frames.emplace_back();
+          f.isOpen = true;
           f.list.reserve(64);
-          f.objects.push_back(f.list.addString(plain("$null")));
+          f.values.reserve(32);
+          f.objects.reserve(16);
+          f.kept.reserve(16);
+          f.objects.push_back(f.list.addLentString(plain("$null")));
           return self;
         }),
     method<"finishEncoding">([](const NSKeyedArchiver& self, Cmd cmd) { finish(self, cmd.selector); }),

@@ -1,5 +1,6 @@
 #include <Brindle/Platform/NSKeyedUnarchiver.h>
 
+#include <atomic>
 #include <cmath>
 #include <limits>
 #include <mutex>
@@ -17,6 +18,7 @@
 #include "Platform/Foundation/Internal/Coding.h"
 #include "Platform/Foundation/Internal/PropertyListFormat.h"
 #include "Platform/Foundation/Internal/StringAccess.h"
+#include "Platform/Foundation/Internal/TextEncoding.h"
 
 namespace brindle {
 namespace {
@@ -30,16 +32,19 @@ using Index = PropertyList::Index;
 constexpr Index kNone = PropertyList::kNone;
 constexpr std::int64_t kVersion = 100000;
 
-enum class State : unsigned char { unread, underway, read };
+/// What has a UID: an object, or the description of a class, as far as it was read.
+struct Slot {
+  Index node = kNone;
+  bool isRead = false;
+  id object;
+  Class cls;
+};
 
 struct Fields {
   NSData data;  // the list looks into its bytes
   PropertyList list;
-  std::span<const Index> nodes;  // by UID
-  std::vector<id> objects;       // by UID
-  std::vector<State> states;
-  std::unordered_map<Index, Class> classes;  // by the node that describes them
-  std::vector<Index> frames;                 // the object that is read; the first is the top
+  std::vector<Slot> slots;    // by UID
+  std::vector<Index> frames;  // the object that is read; the first is the top
   std::unordered_map<std::string, Class> names;
 };
 
@@ -49,6 +54,7 @@ TextView plain(std::string_view text) { return TextView::latin1(text); }
 
 // The classes that all unarchivers make, by name.
 struct SharedClasses {
+  std::atomic<bool> isUsed{false};  // most programs never do
   std::mutex lock;
   std::unordered_map<std::string, Class> classes;
 };
@@ -59,6 +65,7 @@ SharedClasses& sharedClasses() {
 
 Class sharedClass(const std::string& name) {
   SharedClasses& shared = sharedClasses();
+  if (!shared.isUsed.load(std::memory_order_acquire)) return nullptr;
   const std::lock_guard guard(shared.lock);
   const auto found = shared.classes.find(name);
   return found != shared.classes.end() ? found->second : Class();
@@ -91,19 +98,17 @@ const char* open(Fields& f) {
   if (objects == kNone || list.kind(objects) != PropertyKind::array) {
     return "\"$objects\" is no array";
   }
-  f.nodes = list.elements(objects);
-  f.objects.resize(f.nodes.size());
-  f.states.resize(f.nodes.size(), State::unread);
+  const auto nodes = list.elements(objects);
+  f.slots.resize(nodes.size());
+  for (std::size_t i = 0; i < nodes.size(); ++i) f.slots[i].node = nodes[i];
+  f.frames.reserve(8);
   f.frames.push_back(top);
   return nullptr;
 }
 
 void forget(Fields& f) {
   f.frames.clear();
-  f.nodes = {};
-  f.objects.clear();
-  f.states.clear();
-  f.classes.clear();
+  f.slots.clear();
   f.list = PropertyList();
   f.data = nullptr;
 }
@@ -134,7 +139,7 @@ Index findNumber(const NSKeyedUnarchiver& self, SEL selector, const NSString& ke
   const Index node = find(self, selector, key);
   if (node == kNone || f.list.kind(node) != PropertyKind::uid) return node;
   const std::uint64_t uid = f.list.uid(node);
-  return uid < f.nodes.size() ? f.nodes[uid] : kNone;
+  return uid < f.slots.size() ? f.slots[uid].node : kNone;
 }
 
 template <class T>
@@ -203,11 +208,11 @@ id plainObject(const PropertyList& list, Index node) {
   }
 }
 
-Index nodeOfUid(const Fields& f, std::uint64_t uid) {
-  if (uid >= f.nodes.size()) {
-    raiseBroken("object " + std::to_string(uid) + " of " + std::to_string(f.nodes.size()));
+Slot& slotOf(Fields& f, std::uint64_t uid) {
+  if (uid >= f.slots.size()) {
+    raiseBroken("object " + std::to_string(uid) + " of " + std::to_string(f.slots.size()));
   }
-  return f.nodes[uid];
+  return f.slots[uid];
 }
 
 // The name in the description of a class: its own, or else the first of its chain.
@@ -226,23 +231,25 @@ Index classNameAt(const PropertyList& list, Index node) {
   return name;
 }
 
-// The class that the node describes. Raises when the program does not have it.
-Class classAt(const NSKeyedUnarchiver& self, Index node) {
-  Fields& f = fields(self);
-  const auto known = f.classes.find(node);
-  if (known != f.classes.end()) return known->second;
-  const Index name = classNameAt(f.list, node);
-  const NSString text = detail::makeString(f.list.string(name));
-  const std::string bytes(text);
-  const auto own = f.names.find(bytes);
-  Class cls = own != f.names.end() ? own->second : sharedClass(bytes);
-  if (!cls) cls = NSClassFromString(text);
-  if (!cls) raiseBroken("cannot decode object of class (" + bytes + "), which is not there");
+// The class of that name, as the program wants it. Raises when there is none.
+Class classNamed(const Fields& f, const std::string& name) {
+  const auto own = f.names.find(name);
+  Class cls = own != f.names.end() ? own->second : sharedClass(name);
+  if (!cls) cls = objc_getClass(name.c_str());
+  if (!cls) raiseBroken("cannot decode object of class (" + name + "), which is not there");
   if (!send<"instancesRespondToSelector:", bool>(cls, selector<"initWithCoder:">())) {
-    raiseBroken("cannot decode object of class (" + bytes + "), which has no initWithCoder:");
+    raiseBroken("cannot decode object of class (" + name + "), which has no initWithCoder:");
   }
-  f.classes.emplace(node, cls);
   return cls;
+}
+
+// The class that is described under that UID.
+Class classAt(Fields& f, std::uint64_t uid) {
+  Slot& slot = slotOf(f, uid);
+  if (slot.cls) return slot.cls;
+  if (f.list.kind(slot.node) != PropertyKind::dictionary) raiseBroken("a class that is none");
+  slot.cls = classNamed(f, internal::utf8FromText(f.list.string(classNameAt(f.list, slot.node))));
+  return slot.cls;
 }
 
 // The object that is read now, for the time of its `initWithCoder:`.
@@ -261,37 +268,34 @@ class OpenFrame {
 
 id objectAt(const NSKeyedUnarchiver& self, std::uint64_t uid) {
   Fields& f = fields(self);
-  const Index node = nodeOfUid(f, uid);
-  if (f.states[uid] != State::unread) return f.objects[uid];  // underway: not initialised yet
+  Slot& slot = slotOf(f, uid);
+  if (slot.isRead) return slot.object;  // or being read: then it is not initialised yet
+  const Index node = slot.node;
   const PropertyKind kind = f.list.kind(node);
   if (kind == PropertyKind::string && f.list.string(node) == plain("$null")) return nullptr;
   if (kind != PropertyKind::dictionary) {
     id object = plainObject(f.list, node);
     if (!object) raiseBroken(std::string(internal::nameOf(kind)) + " where an object belongs");
-    f.objects[uid] = object;
-    f.states[uid] = State::read;
+    slot.object = object;
+    slot.isRead = true;
     return object;
   }
   const Index reference = f.list.find(node, plain("$class"));
   if (reference == kNone || f.list.kind(reference) != PropertyKind::uid) {
     raiseBroken("an object without a class");
   }
-  const Index description = nodeOfUid(f, f.list.uid(reference));
-  if (f.list.kind(description) != PropertyKind::dictionary) raiseBroken("a class that is none");
   detail::requireStack("NSInvalidUnarchiveOperationException");
 
-  const Class cls = classAt(self, description);
-  id object = send<"alloc", id>(cls);
-  f.objects[uid] = object;
-  f.states[uid] = State::underway;
+  id object = send<"alloc", id>(classAt(f, f.list.uid(reference)));
+  slot.object = object;
+  slot.isRead = true;
   {
     const OpenFrame frame(f, node);
     object = send<"initWithCoder:", id>(object, self);
   }
-  if (uid >= f.objects.size()) return object;  // it finished the decoding
   if (object) object = send<"awakeAfterUsingCoder:", id>(object, self);
-  f.objects[uid] = object;
-  f.states[uid] = State::read;
+  // Unless its own code finished the decoding.
+  if (uid < f.slots.size()) f.slots[uid].object = object;
   return object;
 }
 
@@ -308,6 +312,7 @@ NSArray decodeObjects(const NSKeyedUnarchiver& self, Index node) {
   std::vector<id> objects;
   // Reading an object does not move the list, but may end the decoding.
   const std::size_t count = f.list.elements(node).size();
+  objects.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
     if (f.frames.empty()) return nullptr;
     id object = decodeObject(self, f.list.elements(node)[i]);
@@ -332,6 +337,7 @@ constexpr MethodDefinition kMethods[] = {
     classMethod<"setClass:forClassName:">([](const Class&, const Class& cls, const NSString& name) {
       SharedClasses& shared = sharedClasses();
       const std::lock_guard guard(shared.lock);
+      shared.isUsed.store(true, std::memory_order_release);
       if (cls) shared.classes.insert_or_assign(std::string(name), cls);
       else shared.classes.erase(std::string(name));
     }),

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -16,7 +17,12 @@ using Index = PropertyList::Index;
 
 // A number whose highest byte comes first.
 std::uint64_t bigEndian(const char* bytes, std::size_t count) noexcept {
+  if (count == 1) return static_cast<unsigned char>(*bytes);  // nearly always
   std::uint64_t value = 0;
+  if (count == 8) {
+    std::memcpy(&value, bytes, 8);
+    return __builtin_bswap64(value);
+  }
   for (std::size_t i = 0; i < count; ++i) {
     value = value << 8U | static_cast<unsigned char>(bytes[i]);
   }
@@ -301,8 +307,9 @@ class Reader {
     }
     if (!charge(count * references * sizeof(Index))) return problem("objects overlap");
     const auto children = list_.addChildren(count * references, node.first);
+    const std::size_t size = referenceSize_;
     for (std::size_t i = 0; i < children.size(); ++i) {
-      const std::uint64_t child = bigEndian(start + i * referenceSize_, referenceSize_);
+      const std::uint64_t child = bigEndian(start + i * size, size);
       if (child >= count_) return problem("it holds an object that does not exist");
       children[i] = static_cast<Index>(child);
     }

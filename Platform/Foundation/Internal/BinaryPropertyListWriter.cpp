@@ -1,6 +1,7 @@
 #include "Platform/Foundation/Internal/BinaryPropertyList.h"
 
 #include <bit>
+#include <cstring>
 #include <functional>
 #include <utility>
 #include <vector>
@@ -21,7 +22,7 @@ class Writer {
   std::string write() {
     number();
     referenceSize_ = bytesFor(objects_.size() - 1);
-    out_.reserve(objects_.size() * 16 + 128);
+    out_.reserve(objects_.size() * 24 + 128);
     out_ = kMagic;
     std::vector<std::size_t> offsets;
     offsets.reserve(objects_.size());
@@ -50,7 +51,7 @@ class Writer {
 
   void number() {
     numbers_.assign(list_.size(), kUnnumbered);
-    slots_.assign(std::bit_ceil(list_.size() * 2 + 2), kUnnumbered);
+    slots_.assign(std::bit_ceil(list_.size() + list_.size() / 2 + 2), kUnnumbered);
     objects_.reserve(list_.size());
     std::vector<Index> waiting;
     waiting.reserve(list_.size() + 1);
@@ -63,7 +64,7 @@ class Writer {
       numbers_[node] = isUniqued(list_.kind(node)) ? numberOfEqual(node, next) : next;
       if (numbers_[node] == next) objects_.push_back(node);
       const auto children = list_.children(node);
-      waiting.insert(waiting.end(), children.rbegin(), children.rend());
+      if (!children.empty()) waiting.insert(waiting.end(), children.rbegin(), children.rend());
     }
   }
 
@@ -135,11 +136,11 @@ class Writer {
   }
 
   void put(std::uint64_t value, std::size_t bytes) {
+    if (bytes == 1) return out_.push_back(static_cast<char>(value));  // nearly always
+    const std::uint64_t swapped = __builtin_bswap64(value);
     char buffer[8];
-    for (std::size_t i = bytes; i-- > 0; value >>= 8U) {
-      buffer[i] = static_cast<char>(value & 0xFFU);
-    }
-    out_.append(buffer, bytes);
+    std::memcpy(buffer, &swapped, 8);
+    out_.append(buffer + 8 - bytes, bytes);
   }
 
   void putMarker(unsigned marker) { out_.push_back(static_cast<char>(marker)); }
@@ -219,7 +220,14 @@ class Writer {
 
   void writeContainer(unsigned marker, Index index) {
     putMarkerAndSize(marker, list_.node(index).count);
-    for (const Index child : list_.children(index)) put(numbers_[child], referenceSize_);
+    const auto children = list_.children(index);
+    if (referenceSize_ > 1) {
+      for (const Index child : children) put(numbers_[child], referenceSize_);
+      return;
+    }
+    std::size_t at = out_.size();
+    out_.resize(at + children.size());
+    for (const Index child : children) out_[at++] = static_cast<char>(numbers_[child]);
   }
 
   const PropertyList& list_;

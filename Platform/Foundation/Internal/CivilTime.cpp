@@ -12,21 +12,46 @@ constexpr std::int64_t kGregorianStart = -141427;  // 1582-10-15
 constexpr std::int64_t kDaySeconds = 86400;
 constexpr int kDaysBeforeMonth[] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
 
-constexpr Wide floorDiv(Wide a, Wide b) { return a / b - (a % b < 0 ? 1 : 0); }
+template <class Int>
+constexpr Int floorDiv(Int a, int b) {
+  return a / b - (a % b < 0 ? 1 : 0);
+}
 
-constexpr bool isLeap(Wide year, bool gregorian) {
+template <class Int>
+constexpr bool isLeap(Int year, bool gregorian) {
   if (year % 4 != 0) return false;
   return !gregorian || year % 100 != 0 || year % 400 == 0;
 }
 
 /// Days from 1970-01-01 to the first of a month (0 to 11) in one of the two calendars.
-constexpr Wide daysToMonth(Wide year, int month, bool gregorian) {
-  const Wide before = year - 1;
-  Wide days = 365 * before + floorDiv(before, 4);
-  days += gregorian ? floorDiv(before, 400) - floorDiv(before, 100) - 719162 : Wide{-719164};
+template <class Int>
+constexpr Int daysToMonth(Int year, int month, bool gregorian) {
+  const Int before = year - 1;
+  Int days = 365 * before + floorDiv(before, 4);
+  days += gregorian ? floorDiv(before, 400) - floorDiv(before, 100) - 719162 : Int{-719164};
   days += kDaysBeforeMonth[month];
   if (month >= 2 && isLeap(year, gregorian)) ++days;
   return days;
+}
+
+template <class Int>
+std::int64_t dayNumberIn(const CivilDay& fields) noexcept {
+  const Int month = Int{fields.month} - 1;
+  const Int year = Int{fields.year} + floorDiv(month, 12);
+  const int monthOfYear = static_cast<int>(month - floorDiv(month, 12) * 12);
+  const bool gregorian = year >= 1582;
+  const Int rest = Int{fields.day} - 1;
+  Int days = daysToMonth(year, monthOfYear, gregorian) + rest;
+  if ((days >= kGregorianStart) != gregorian) {
+    days = daysToMonth(year, monthOfYear, !gregorian) + rest;
+  }
+  return static_cast<std::int64_t>(std::clamp<Int>(days, kFirstDay, kLastDay));
+}
+
+// Fields of this size cannot overflow 64 bits, which divide much faster than 128.
+constexpr bool isModest(std::int64_t field) {
+  constexpr std::int64_t kModest = std::int64_t{1} << 40U;
+  return field < kModest && field > -kModest;
 }
 
 // Years that begin in March end with the leap day, so months have fixed places in them.
@@ -44,16 +69,10 @@ CivilDay fromMarch(const March& m) {
 }  // namespace
 
 std::int64_t dayNumber(const CivilDay& fields) noexcept {
-  const Wide month = Wide{fields.month} - 1;
-  const Wide year = Wide{fields.year} + floorDiv(month, 12);
-  const int monthOfYear = static_cast<int>(month - floorDiv(month, 12) * 12);
-  const bool gregorian = year >= 1582;
-  const Wide rest = Wide{fields.day} - 1;
-  Wide days = daysToMonth(year, monthOfYear, gregorian) + rest;
-  if ((days >= kGregorianStart) != gregorian) {
-    days = daysToMonth(year, monthOfYear, !gregorian) + rest;
+  if (isModest(fields.year) && isModest(fields.month) && isModest(fields.day)) [[likely]] {
+    return dayNumberIn<std::int64_t>(fields);
   }
-  return static_cast<std::int64_t>(std::clamp<Wide>(days, kFirstDay, kLastDay));
+  return dayNumberIn<Wide>(fields);
 }
 
 CivilDay civilDay(std::int64_t number) noexcept {

@@ -57,14 +57,6 @@ void PropertyList::swap(PropertyList& other) noexcept {
   std::swap(root_, other.root_);
 }
 
-TextView PropertyList::string(Index index) const noexcept {
-  const PropertyNode& node = nodes_[index];
-  if (node.flag) {
-    return TextView::utf16({static_cast<const char16_t*>(node.content.bytes), node.content.size});
-  }
-  return TextView::latin1({static_cast<const char*>(node.content.bytes), node.content.size});
-}
-
 std::string_view PropertyList::data(Index index) const noexcept {
   const PropertyNode& node = nodes_[index];
   return {static_cast<const char*>(node.content.bytes), node.content.size};
@@ -84,22 +76,11 @@ std::span<const PropertyList::Index> PropertyList::values(Index index) const noe
   return {children_.data() + node.first + node.count, node.count};
 }
 
-std::span<const PropertyList::Index> PropertyList::children(Index index) const noexcept {
-  switch (kind(index)) {
-    case PropertyKind::array:
-    case PropertyKind::set:
-      return elements(index);
-    case PropertyKind::dictionary:
-      return {children_.data() + nodes_[index].first, std::size_t{nodes_[index].count} * 2};
-    default:
-      return {};
-  }
-}
-
 PropertyList::Index PropertyList::find(Index dictionary, TextView key) const noexcept {
   if (dictionary == kNone || kind(dictionary) != PropertyKind::dictionary) return kNone;
   const auto all = keys(dictionary);
   for (std::size_t i = all.size(); i-- > 0;) {
+    if (nodes_[all[i]].content.size != key.size()) continue;
     if (string(all[i]) == key) return values(dictionary)[i];
   }
   return kNone;

@@ -115,7 +115,13 @@ class PropertyList {
   [[nodiscard]] double real(Index index) const noexcept { return nodes_[index].real; }
   /// Seconds since the first instant of 2001, UTC.
   [[nodiscard]] double date(Index index) const noexcept { return nodes_[index].real; }
-  [[nodiscard]] TextView string(Index index) const noexcept;
+  [[nodiscard]] TextView string(Index index) const noexcept {
+    const PropertyNode& node = nodes_[index];
+    if (node.flag) {
+      return TextView::utf16({static_cast<const char16_t*>(node.content.bytes), node.content.size});
+    }
+    return TextView::latin1({static_cast<const char*>(node.content.bytes), node.content.size});
+  }
   [[nodiscard]] std::string_view data(Index index) const noexcept;
   [[nodiscard]] std::uint64_t uid(Index index) const noexcept { return nodes_[index].integer.low; }
   /// Of an array or a set.
@@ -124,7 +130,14 @@ class PropertyList {
   [[nodiscard]] std::span<const Index> keys(Index index) const noexcept;
   [[nodiscard]] std::span<const Index> values(Index index) const noexcept;
   /// Everything that a node holds, keys before values; empty when it is no container.
-  [[nodiscard]] std::span<const Index> children(Index index) const noexcept;
+  [[nodiscard]] std::span<const Index> children(Index index) const noexcept {
+    const PropertyNode& node = nodes_[index];
+    if (node.kind == PropertyKind::dictionary) {
+      return {children_.data() + node.first, std::size_t{node.count} * 2};
+    }
+    const bool isRow = node.kind == PropertyKind::array || node.kind == PropertyKind::set;
+    return isRow ? std::span(children_.data() + node.first, node.count) : std::span<const Index>();
+  }
   /// The value of that key, the last when there are several; `kNone` when there is none, or when
   /// the node is no dictionary.
   [[nodiscard]] Index find(Index dictionary, TextView key) const noexcept;

@@ -1,13 +1,17 @@
 #include "Platform/Foundation/Internal/ZoneRules.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <limits>
 #include <map>
 #include <mutex>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include <limits.h>
 #include <sys/mman.h>
@@ -18,14 +22,32 @@
 
 namespace brindle::internal {
 
+/// A stretch of time during which a zone's offset stays the same.
+struct Span {
+  std::int64_t begin;
+  std::int64_t offset;
+};
+
+/// The spans of a zone up to `end`, the first from the beginning of time on.
+struct Spans {
+  std::vector<Span> list;
+  std::int64_t end;
+};
+
 struct Zone {
   std::string name;
   absl::TimeZone rules;
+  mutable std::atomic<const Spans*> spans{nullptr};  // once asked for
+
+  Zone(std::string zoneName, const absl::TimeZone& zoneRules)
+      : name(std::move(zoneName)), rules(zoneRules) {}
 };
 
 namespace {
 
 constexpr std::int64_t kDaySeconds = 86400;
+constexpr std::int64_t kSpansEnd = 4102444800;  // 2100-01-01: later dates are looked up in the rules
+constexpr std::int64_t kGreatestOffset = 26 * 3600;
 constexpr std::string_view kZoneFolder = "/usr/share/zoneinfo/";
 
 struct Register {
@@ -43,7 +65,7 @@ const Zone* registered(std::string name, const absl::TimeZone& rules) {
   const std::lock_guard guard(r.lock);
   auto found = r.zones.find(name);
   if (found != r.zones.end()) return found->second;
-  const Zone* zone = new Zone{name, rules};
+  const Zone* zone = new Zone(name, rules);
   r.zones.emplace(std::move(name), zone);
   return zone;
 }
@@ -59,6 +81,53 @@ const Zone* utc() { return registered("UTC", absl::UTCTimeZone()); }
 
 absl::CivilSecond civilMidnight(std::int64_t day) {
   return absl::CivilSecond(absl::CivilDay(1970, 1, 1) + day);
+}
+
+std::int64_t floorDay(std::int64_t seconds) {
+  return seconds / kDaySeconds - (seconds % kDaySeconds < 0 ? 1 : 0);
+}
+
+// --- Spans: what the rules say, ready to be searched ---
+
+Spans* makeSpans(const absl::TimeZone& rules) {
+  auto* spans = new Spans{{}, kSpansEnd};
+  spans->list.push_back({std::numeric_limits<std::int64_t>::min(),
+                         rules.At(absl::FromUnixSeconds(std::numeric_limits<int>::min() * 4LL)).offset});
+  absl::TimeZone::CivilTransition change;
+  for (absl::Time time = absl::InfinitePast(); rules.NextTransition(time, &change);) {
+    // The clocks showed `from` by the offset until then.
+    const std::int64_t begin =
+        (change.from - absl::CivilSecond(1970, 1, 1)) - spans->list.back().offset;
+    if (begin >= kSpansEnd) break;
+    time = absl::FromUnixSeconds(begin);
+    const std::int64_t offset = rules.At(time).offset;
+    if (offset != spans->list.back().offset) spans->list.push_back({begin, offset});
+  }
+  return spans;
+}
+
+const Spans& spansOf(const Zone& zone) {
+  const Spans* spans = zone.spans.load(std::memory_order_acquire);
+  if (spans != nullptr) [[likely]] return *spans;
+  const Spans* made = makeSpans(zone.rules);
+  if (zone.spans.compare_exchange_strong(spans, made, std::memory_order_acq_rel)) return *made;
+  delete made;
+  return *spans;
+}
+
+const Span* spanAt(const Spans& spans, std::int64_t instant) {
+  const auto next = std::upper_bound(
+      spans.list.begin() + 1, spans.list.end(), instant,
+      [](std::int64_t value, const Span& span) { return value < span.begin; });
+  return &*(next - 1);
+}
+
+DayStart startOfLateDay(const Zone& zone, std::int64_t day) {
+  const absl::TimeZone::TimeInfo info = zone.rules.At(civilMidnight(day));
+  if (info.kind != absl::TimeZone::TimeInfo::SKIPPED) return {absl::ToUnixSeconds(info.pre), day};
+  const std::int64_t instant = absl::ToUnixSeconds(info.trans);
+  const std::int64_t offset = zone.rules.At(absl::FromUnixSeconds(instant)).offset;
+  return {instant, floorDay(instant + offset)};
 }
 
 // --- POSIX rules ---
@@ -234,17 +303,24 @@ ZoneMoment zoneMoment(const Zone& zone, std::int64_t instant) {
 }
 
 std::int64_t offsetAt(const Zone& zone, std::int64_t instant) noexcept {
+  const Spans& spans = spansOf(zone);
+  if (instant < spans.end) [[likely]] return spanAt(spans, instant)->offset;
   return zone.rules.At(absl::FromUnixSeconds(instant)).offset;
 }
 
 DayStart startOfDay(const Zone& zone, std::int64_t day) noexcept {
-  const absl::TimeZone::TimeInfo info = zone.rules.At(civilMidnight(day));
-  if (info.kind != absl::TimeZone::TimeInfo::SKIPPED) [[likely]] {
-    return {absl::ToUnixSeconds(info.pre), day};
+  const Spans& spans = spansOf(zone);
+  const std::int64_t midnight = day * kDaySeconds;  // by the clock
+  if (midnight + kGreatestOffset >= spans.end) [[unlikely]] return startOfLateDay(zone, day);
+  // The first span that does not end before its clocks show midnight.
+  const Span* span = spanAt(spans, midnight - kGreatestOffset);
+  const Span* last = &spans.list.back();
+  while (span != last && midnight >= span[1].begin + span->offset) ++span;
+  if (span == spans.list.data() || midnight >= span->begin + span->offset) {
+    return {midnight - span->offset, day};
   }
-  const std::int64_t instant = absl::ToUnixSeconds(info.trans);
-  const std::int64_t local = instant + offsetAt(zone, instant);
-  return {instant, local / kDaySeconds - (local % kDaySeconds < 0 ? 1 : 0)};
+  // Its clocks began later: midnight was left out.
+  return {span->begin, floorDay(span->begin + span->offset)};
 }
 
 std::int64_t instantAt(const Zone& zone, std::int64_t day, std::int64_t secondOfDay) noexcept {

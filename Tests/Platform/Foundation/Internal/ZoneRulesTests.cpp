@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <string>
 
+#include <absl/time/civil_time.h>
+#include <absl/time/time.h>
 #include <gtest/gtest.h>
 
 #include "Platform/Foundation/Internal/CivilTime.h"
@@ -66,6 +68,34 @@ TEST(ZoneRules, MidnightsThatAreMissingOrDoubled) {
   EXPECT_EQ(startOf("America/Havana", 2022, 11, 6), 1667707200);     // the first of two
   EXPECT_EQ(startOf("Asia/Amman", 2021, 10, 29), 1635454800);        // the first of two
   EXPECT_EQ(startOf("Africa/Cairo", 2023, 4, 28), 1682632800);       // 01:00
+}
+
+// Zones that are searched in a table of our own must say what the library says that made the table.
+TEST(ZoneRules, EveryDayBeginsWhereTheRulesSay) {
+  for (const char* name :
+       {"America/New_York", "America/Sao_Paulo", "America/Toronto", "America/Havana", "America/Asuncion",
+        "America/St_Johns", "Africa/Cairo", "Africa/Casablanca", "Africa/Monrovia", "Antarctica/Troll",
+        "Asia/Amman", "Asia/Gaza", "Asia/Kathmandu", "Asia/Shanghai", "Asia/Manila", "Asia/Tehran",
+        "Australia/Lord_Howe", "Europe/Dublin", "Europe/London", "Europe/Paris", "Pacific/Apia",
+        "Pacific/Kwajalein", "Etc/GMT-14", "UTC"}) {
+    const Zone* zone = zoneNamed(name);
+    absl::TimeZone rules;
+    ASSERT_TRUE(absl::LoadTimeZone(name, &rules));
+    const std::int64_t last = dayNumber({2103, 1, 1});
+    for (std::int64_t day = dayNumber({1840, 1, 1}); day < last; ++day) {
+      const absl::CivilSecond midnight(absl::CivilDay(1970, 1, 1) + day);
+      const absl::TimeZone::TimeInfo info = rules.At(midnight);
+      const bool isMissing = info.kind == absl::TimeZone::TimeInfo::SKIPPED;
+      const std::int64_t expected = absl::ToUnixSeconds(isMissing ? info.trans : info.pre);
+      const DayStart start = startOfDay(*zone, day);
+      ASSERT_EQ(start.instant, expected) << name << " " << midnight;
+      ASSERT_EQ(start.day, absl::CivilDay(rules.At(absl::FromUnixSeconds(expected)).cs) -
+                               absl::CivilDay(1970, 1, 1)) << name << " " << midnight;
+      const std::int64_t instant = day * 86400 + day % 86400;
+      ASSERT_EQ(offsetAt(*zone, instant), rules.At(absl::FromUnixSeconds(instant)).offset)
+          << name << " " << instant;
+    }
+  }
 }
 
 TEST(ZoneRules, AMissingDayBeginsAndIsTheNext) {

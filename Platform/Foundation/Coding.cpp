@@ -31,6 +31,8 @@ constexpr MethodDefinition kObjectMethods[] = {
 
 constexpr MethodDefinition kStringMethods[] = {
     method<"encodeWithCoder:">([](const NSString& self, const NSCoder& coder) {
+      // As an object this text would be nil.
+      if (self->isEqualToString("$null"_ns)) return coder->encodeBytes("$null", 5, "NS.bytes"_ns);
       coder->encodeObject(detail::makeString(detail::StringText(self)), "NS.string"_ns);
     }),
     method<"initWithCoder:">([](const NSString& self, const NSCoder& coder) -> id {

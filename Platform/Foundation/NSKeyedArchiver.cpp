@@ -130,10 +130,12 @@ Index numberNode(PropertyList& list, const NSNumber& number) {
 
 Class codedClass(const id& object) { return send<"classForCoder", Class>(object); }
 
-// Strings, numbers and data stand in the archive as such; kNone for everything else.
+// Strings, numbers and data stand in the archive as such; kNone for everything else, and for the text
+// that stands for nil there.
 Index plainNode(PropertyList& list, const id& object, Class cls) {
   if (cls == NSString::class_()) {
-    return list.addString(detail::StringText(static_cast<const NSString&>(object)));
+    const detail::StringText text(static_cast<const NSString&>(object));
+    return text.view() == plain("$null") ? PropertyList::kNone : list.addString(text);
   }
   if (cls == NSData::class_()) return list.addData(static_cast<const NSData&>(object)->view());
   if (isa<NSNumber>(object)) return numberNode(list, static_cast<const NSNumber&>(object));

@@ -22,8 +22,8 @@ NSDateComponents day(NSInteger year, NSInteger month, NSInteger number) {
 
 /// The date as year-month-day in the calendar.
 NSString text(const NSCalendar& calendar, const NSDate& date) {
-  const NSDateComponents parts = calendar->components(
-      NSYearCalendarUnit | NSMonthCalendarUnit | NSDayCalendarUnit, date);
+  const NSDateComponents parts =
+      calendar->components(NSYearCalendarUnit | NSMonthCalendarUnit | NSDayCalendarUnit, date);
   return NSString::stringWithFormat("%04ld-%02ld-%02ld"_ns, parts->year(), parts->month(),
                                     parts->day());
 }
@@ -51,5 +51,6 @@ int main() {
   const bool inOrder = epoch->compare(later) == NSOrderedAscending;
   std::cout << "90 seconds later: " << later->timePoint().time_since_epoch().count() << " ms\n";
 
-  return text(calendar, leapDay)->isEqualToString("2024-02-29"_ns) && hours == 23 && inOrder ? 0 : 1;
+  return text(calendar, leapDay)->isEqualToString("2024-02-29"_ns) && hours == 23 && inOrder ? 0
+                                                                                             : 1;
 }

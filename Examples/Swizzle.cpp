@@ -1,4 +1,5 @@
-// Changing a method of a class that one did not write, and calling the method that was there before.
+// Changing a method of a class that one did not write, and calling the method that was there
+// before.
 #include <atomic>
 #include <iostream>
 #include <string>

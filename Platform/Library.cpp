@@ -83,27 +83,16 @@ constexpr ClassRecord* kClasses[] = {
 };
 
 constexpr const CategoryDefinition* kCategories[] = {
-    &detail::kNSObjectDescriptions,
-    &detail::kNSProxyDescriptions,
-    &detail::kNSStringBytes,
-    &detail::kNSStringFormatting,
-    &detail::kNSStringSearching,
-    &detail::kNSStringTransforming,
-    &detail::kNSObjectCoding,
-    &detail::kNSStringCoding,
-    &detail::kNSDataCoding,
-    &detail::kNSNumberCoding,
-    &detail::kNSDateCoding,
-    &detail::kNSNullCoding,
-    &detail::kNSArrayCoding,
-    &detail::kNSDictionaryCoding,
-    &detail::kNSSetCoding,
+    &detail::kNSObjectDescriptions, &detail::kNSProxyDescriptions, &detail::kNSStringBytes,
+    &detail::kNSStringFormatting,   &detail::kNSStringSearching,   &detail::kNSStringTransforming,
+    &detail::kNSObjectCoding,       &detail::kNSStringCoding,      &detail::kNSDataCoding,
+    &detail::kNSNumberCoding,       &detail::kNSDateCoding,        &detail::kNSNullCoding,
+    &detail::kNSArrayCoding,        &detail::kNSDictionaryCoding,  &detail::kNSSetCoding,
 };
 
 [[gnu::constructor]] void attachPlatform() {
   attachImage({.classes = kClasses, .categories = kCategories});
-  detail::setPlainDealloc(
-      class_getMethodImplementation(NSObject::class_(), selector<"dealloc">()));
+  detail::setPlainDealloc(class_getMethodImplementation(NSObject::class_(), selector<"dealloc">()));
 }
 
 }  // namespace

@@ -121,15 +121,15 @@ BDDateRange copied(const BDDateRange& self) {
 }
 
 constexpr MethodDefinition kMethods[] = {
-    classMethod<"dateRangeWithAnchor:offset:length:">(
-        [](const ClassOf<BDDateRange>& self, const NSDate& anchor, std::int64_t offset,
-           std::int64_t length) -> BDDateRange {
-          BDDateRange range = self->alloc()->init();
-          range->setAnchor(anchor);
-          range->setOffset(offset);
-          range->setLength(length);
-          return range;
-        }),
+    classMethod<"dateRangeWithAnchor:offset:length:">([](const ClassOf<BDDateRange>& self,
+                                                         const NSDate& anchor, std::int64_t offset,
+                                                         std::int64_t length) -> BDDateRange {
+      BDDateRange range = self->alloc()->init();
+      range->setAnchor(anchor);
+      range->setOffset(offset);
+      range->setLength(length);
+      return range;
+    }),
     classMethod<"dateRangeWithAnchor:unit:offset:unit:length:unit:">(
         [](const ClassOf<BDDateRange>& self, const NSDate& anchor, BDTimeUnit anchorUnit,
            std::int64_t offset, BDTimeUnit offsetUnit, std::int64_t length,
@@ -153,14 +153,12 @@ constexpr MethodDefinition kMethods[] = {
     classMethod<"dateRangeWithNamedRange:">([](const Class&, BDNamedRange name) -> BDDateRange {
       return internal::dateRangeNamed(name);
     }),
-    classMethod<"namedRangeFrom:">([](const Class&, const BDDateRange& range) {
-      return internal::nameOfDateRange(range);
-    }),
+    classMethod<"namedRangeFrom:">(
+        [](const Class&, const BDDateRange& range) { return internal::nameOfDateRange(range); }),
 
     method<"anchor">([](const BDDateRange& self) { return readAnchor(fields(self)); }),
-    method<"setAnchor:">([](const BDDateRange& self, const NSDate& anchor) {
-      writeAnchor(fields(self), anchor);
-    }),
+    method<"setAnchor:">(
+        [](const BDDateRange& self, const NSDate& anchor) { writeAnchor(fields(self), anchor); }),
     method<"offset">([](const BDDateRange& self) { return fields(self).offset; }),
     method<"setOffset:">(
         [](const BDDateRange& self, std::int64_t offset) { fields(self).offset = offset; }),
@@ -202,9 +200,12 @@ constexpr MethodDefinition kMethods[] = {
 };
 
 constexpr PropertyDefinition kProperties[] = {
-    {"anchor", "T@\"NSDate\",&,Vanchor"}, {"offset", "Tq,Voffset"},
-    {"length", "Tq,Vlength"},             {"anchorUnit", "Ti,VanchorUnit"},
-    {"offsetUnit", "Ti,VoffsetUnit"},     {"lengthUnit", "Ti,VlengthUnit"},
+    {"anchor", "T@\"NSDate\",&,Vanchor"},
+    {"offset", "Tq,Voffset"},
+    {"length", "Tq,Vlength"},
+    {"anchorUnit", "Ti,VanchorUnit"},
+    {"offsetUnit", "Ti,VoffsetUnit"},
+    {"lengthUnit", "Ti,VlengthUnit"},
 };
 
 constexpr IvarDefinition kVariables[] = {

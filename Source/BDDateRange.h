@@ -1,17 +1,18 @@
 // Date ranges relative to a moment: this week, last quarter, the seven days before today.
 //
 // A range is not two fixed dates but the recipe for them: an anchor (a date, or none for "now"), an
-// offset and a length, each counted in calendar units. The anchor is rounded down to the start of its
-// unit, the offset leads to the first date, the length from there to the second; `start` and `end` are
-// the earlier and the later of the two, both at the start of a day. `end` is exclusive.
+// offset and a length, each counted in calendar units. The anchor is rounded down to the start of
+// its unit, the offset leads to the first date, the length from there to the second; `start` and
+// `end` are the earlier and the later of the two, both at the start of a day. `end` is exclusive.
 //
 //   BDDateRange month = BDDateRange::dateRangeWithNamedRange(BDNamedRangeThisMonth);
 //   std::cout << month->start() << " to " << month->end() << '\n';
 //
-// Rounding uses the user's calendar, zone and first weekday (see NSCalendar::currentCalendar), adding
-// a Gregorian calendar in the same zone; fields carry leniently, so 31 January plus one month is 2 or 3
-// March. Where a day has no local midnight it starts with its first instant, where it has two with the
-// first of them. Dates before 15 October 1582 are counted in the Julian calendar.
+// Rounding uses the user's calendar, zone and first weekday (see NSCalendar::currentCalendar),
+// adding a Gregorian calendar in the same zone; fields carry leniently, so 31 January plus one
+// month is 2 or 3 March. Where a day has no local midnight it starts with its first instant, where
+// it has two with the first of them. Dates before 15 October 1582 are counted in the Julian
+// calendar.
 //
 // A range is a mutable value. Reading one from several threads is safe while none changes it; only
 // `anchor` may be read while another thread sets it.
@@ -30,7 +31,7 @@ namespace brindle {
 /// A calendar unit. The numbers stand in archives and never change.
 enum BDTimeUnit : std::int32_t {
   BDTimeUnitDay = 0,
-  BDTimeUnitWeek = 1,     // 7 days; as an anchor unit it starts at the first weekday
+  BDTimeUnitWeek = 1,  // 7 days; as an anchor unit it starts at the first weekday
   BDTimeUnitMonth = 2,
   BDTimeUnitQuarter = 3,  // 3 months; January, April, July, October
   BDTimeUnitYear = 4,
@@ -107,7 +108,8 @@ class BDDateRange : public Interface<BDDateRange, NSObject> {
   static BDDateRange dateRangeWithAnchor(const NSDate& anchor, BDTimeUnit anchorUnit,
                                          std::int64_t offset, BDTimeUnit offsetUnit,
                                          std::int64_t length, BDTimeUnit lengthUnit) {
-    return class_()->dateRangeWithAnchor(anchor, anchorUnit, offset, offsetUnit, length, lengthUnit);
+    return class_()->dateRangeWithAnchor(anchor, anchorUnit, offset, offsetUnit, length,
+                                         lengthUnit);
   }
   static BDDateRange dateRangeWithNamedRange(BDNamedRange range) {
     return class_()->dateRangeWithNamedRange(range);
@@ -144,16 +146,17 @@ class BDDateRange : public Interface<BDDateRange, NSObject> {
   id calculate(const BlockArg<id(const NSDate&, const NSDate&)>& block) const {
     return send<"calculate:", id>(*this, block);
   }
-  /// The date moved by `count` units and rounded down to the start of its day. An invalid unit moves
-  /// nothing; counts wrap in 64 bits. A year below 0 gives the fields year 0, month 0, day 0: 30
-  /// November 2 BC in the Julian calendar.
+  /// The date moved by `count` units and rounded down to the start of its day. An invalid unit
+  /// moves nothing; counts wrap in 64 bits. A year below 0 gives the fields year 0, month 0, day 0:
+  /// 30 November 2 BC in the Julian calendar.
   NSDate add(std::int64_t count, BDTimeUnit unit, const NSDate& date) const {
     return send<"add:in:to:", NSDate>(*this, count, unit, date);
   }
   /// The anchor, or now, rounded down to the start of its unit in the user's calendar.
   NSDate _anchor() const { return send<"_anchor", NSDate>(*this); }  // NOLINT: the platform's name
 
-  /// Both ends from one reading of now: what a program should use that wants both.
+  /// Both ends from one reading of now: what a program should use that wants both. Where a subclass
+  /// or a swizzle has its own `start` or `end`, what they answer.
   BRINDLE_EXPORT BDDateInterval interval() const;
 
   /// Whether all six values are equal; ranges of the same dates built differently are not.

@@ -1,5 +1,7 @@
 // The dates of a range: fields of a calendar, carried leniently, never seconds.
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 #include <Brindle/BDExceptions.h>
 #include <Brindle/Platform/CivilDate.h>
@@ -31,17 +33,25 @@ struct Increments {
 std::int64_t wrappingSum(std::int64_t a, std::int64_t b) {
   return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
 }
+std::int64_t wrappingDifference(std::int64_t a, std::int64_t b) {
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) - static_cast<std::uint64_t>(b));
+}
 std::int64_t wrappingProduct(std::uint64_t factor, std::int64_t n) {
   return static_cast<std::int64_t>(factor * static_cast<std::uint64_t>(n));
 }
 
 Increments incrementsOf(std::int64_t count, BDTimeUnit unit) {
   switch (unit) {
-    case BDTimeUnitDay: return {.day = count};
-    case BDTimeUnitWeek: return {.day = wrappingProduct(7, count)};
-    case BDTimeUnitMonth: return {.month = count};
-    case BDTimeUnitQuarter: return {.month = wrappingProduct(3, count)};
-    case BDTimeUnitYear: return {.year = count};
+    case BDTimeUnitDay:
+      return {.day = count};
+    case BDTimeUnitWeek:
+      return {.day = wrappingProduct(7, count)};
+    case BDTimeUnitMonth:
+      return {.month = count};
+    case BDTimeUnitQuarter:
+      return {.month = wrappingProduct(3, count)};
+    case BDTimeUnitYear:
+      return {.year = count};
   }
   return {};
 }
@@ -57,15 +67,19 @@ CivilDate moved(const CivilDate& day, const Increments& by) {
 CivilDate rounded(const CivilDate& day, BDTimeUnit unit, std::int64_t weekday,
                   std::int64_t firstWeekday) {
   switch (unit) {
-    case BDTimeUnitDay: return day;
+    case BDTimeUnitDay:
+      return day;
     case BDTimeUnitWeek: {
-      std::int64_t back = wrappingSum(weekday, -firstWeekday);
+      std::int64_t back = wrappingDifference(weekday, firstWeekday);
       if (back < 0) back += 7;
-      return {day.year, day.month, wrappingSum(day.day, -back)};
+      return {day.year, day.month, wrappingDifference(day.day, back)};
     }
-    case BDTimeUnitMonth: return {day.year, day.month, 1};
-    case BDTimeUnitQuarter: return {day.year, 3 * ((day.month - 1) / 3) + 1, 1};
-    case BDTimeUnitYear: return {day.year, 1, 1};
+    case BDTimeUnitMonth:
+      return {day.year, day.month, 1};
+    case BDTimeUnitQuarter:
+      return {day.year, 3 * (wrappingDifference(day.month, 1) / 3) + 1, 1};
+    case BDTimeUnitYear:
+      return {day.year, 1, 1};
   }
   NSException::raise(BDInternalInconsistencyException, "Invalid time unit for anchor"_ns);
 }
@@ -74,7 +88,7 @@ CivilDate rounded(const CivilDate& day, BDTimeUnit unit, std::int64_t weekday,
 /// range is a plain BDDateRange, the dates are worked out without the objects in between.
 MethodWatch& watch() {
   static auto& classes =
-      *new MethodWatch{BDDateRange::class_(), NSDate::class_(), NSCalendar::class_(),
+      *new MethodWatch{BDDateRange::class_(),      NSDate::class_(),     NSCalendar::class_(),
                        NSDateComponents::class_(), NSTimeZone::class_(), NSLocale::class_()};
   return classes;
 }
@@ -108,25 +122,69 @@ NSDate dateAt(double instant) { return NSDate::dateWithTimeIntervalSinceReferenc
 std::chrono::sys_time<std::chrono::milliseconds> timePointAt(double instant) {
   // 2001-01-01 in seconds since 1970.
   constexpr double kReference = 978307200;
+  // A replaced method may answer any date, also one that is not a number.
+  constexpr double kLimit = 9e15;
+  const double seconds =
+      std::isnan(instant) ? 0 : std::clamp(instant + kReference, -kLimit, kLimit);
+  const double whole = std::floor(seconds);
   return std::chrono::sys_time<std::chrono::milliseconds>(
-      std::chrono::milliseconds(static_cast<std::int64_t>((instant + kReference) * 1000)));
+      std::chrono::seconds(static_cast<std::int64_t>(whole)) +
+      std::chrono::milliseconds(static_cast<std::int64_t>((seconds - whole) * 1000)));
+}
+
+/// What stands for `start` and `end` in the class of the range.
+std::pair<IMP, IMP> endsOf(Class cls) {
+  return {class_getMethodImplementation(cls, selector<"start">()),
+          class_getMethodImplementation(cls, selector<"end">())};
+}
+
+/// The library's own.
+const std::pair<IMP, IMP>& plainEnds() {
+  static const auto& ends = *new std::pair<IMP, IMP>(endsOf(BDDateRange::class_()));
+  return ends;
+}
+
+/// Both dates by messages.
+Instants sentInstants(const BDDateRange& range) {
+  NSDate start;
+  NSDate end;
+  bool known = false;
+  if (endsOf(object_getClass(range)) == plainEnds()) {
+    range->calculate([&](const NSDate& first, const NSDate& second) -> id {
+      start = first->earlierDate(second);
+      end = first->laterDate(second);
+      known = true;
+      return nullptr;
+    });
+  }
+  if (!known) {
+    start = range->start();
+    end = range->end();
+  }
+  return {start->timeIntervalSinceReferenceDate(), end->timeIntervalSinceReferenceDate()};
 }
 
 }  // namespace
 
-void watchDateRangeMethods() { watch(); }
+void watchDateRangeMethods() {
+  watch();
+  plainEnds();
+}
 
 NSDate roundedAnchor(const BDDateRange& range) {
   NSDate anchor = range->anchor();
   if (!anchor) anchor = NSDate::date();
   const NSCalendar calendar = NSCalendar::currentCalendar();
-  const NSDateComponents parts =
-      calendar->components(kDayUnits | NSWeekdayCalendarUnit, anchor);
-  const CivilDate day = rounded({parts->year(), parts->month(), parts->day()}, range->anchorUnit(),
-                                parts->weekday(), static_cast<NSInteger>(calendar->firstWeekday()));
+  const NSDateComponents parts = calendar->components(kDayUnits | NSWeekdayCalendarUnit, anchor);
+  const auto firstWeekday = static_cast<NSInteger>(calendar->firstWeekday());
+  const BDTimeUnit unit = range->anchorUnit();
+  const CivilDate day =
+      rounded({parts->year(), parts->month(), parts->day()}, unit, parts->weekday(), firstWeekday);
   parts->setDay(day.day);
   parts->setMonth(day.month);
   parts->setYear(day.year);
+  // Quarters and years begin with an ordinary month, also for a day of a leap month.
+  if (unit >= BDTimeUnitQuarter && parts->isLeapMonth()) parts->setLeapMonth(false);
   return calendar->dateFromComponents(parts);
 }
 
@@ -178,15 +236,10 @@ NSDate endOfDateRange(const BDDateRange& range) {
 
 BDDateInterval BDDateRange::interval() const {
   if (*this == nullptr) return {};
-  internal::Instants dates{};
-  if (const CivilWeek week = currentCivilWeek(); internal::isPlain(*this, week)) {
-    dates = internal::plainInstants(*this, week);
-  } else {
-    calculate([&dates](const NSDate& first, const NSDate& second) -> id {
-      dates = {first->timeIntervalSinceReferenceDate(), second->timeIntervalSinceReferenceDate()};
-      return nullptr;
-    });
-  }
+  const CivilWeek week = currentCivilWeek();
+  const internal::Instants dates = internal::isPlain(*this, week)
+                                       ? internal::plainInstants(*this, week)
+                                       : internal::sentInstants(*this);
   return {internal::timePointAt(std::min(dates.first, dates.second)),
           internal::timePointAt(std::max(dates.first, dates.second))};
 }

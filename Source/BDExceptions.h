@@ -3,9 +3,9 @@
 //
 //   NSException::raise(BDInvalidArgumentException, "Invalid named range %i"_ns, 20);
 //
-// The library itself raises BDInvalidArgumentException and BDInternalInconsistencyException; the others
-// are there for its clients. It catches nothing. Failures that can be dealt with are reported as
-// NSError instead.
+// The library itself raises BDInvalidArgumentException and BDInternalInconsistencyException; the
+// others are there for its clients. It catches nothing. Failures that can be dealt with are
+// reported as NSError instead.
 #pragma once
 
 #include <Brindle/Platform/NSString.h>

@@ -27,24 +27,24 @@ static void peerStartThread(void) {
 
 /* Prints what one run of `body` takes. `units` is how many units of work one run is. The compiler
    takes Objective-C as C of 1990: declarations stand in front of loops. */
-#define PEER_MEASURE(name, units, body)                          \
-  do {                                                           \
-    double best = 0, taken = 0, begin;                           \
-    long count = 1, run;                                         \
-    int stretch;                                                 \
-    for (stretch = 0; stretch < 15;) {                           \
-      begin = peerNow();                                         \
-      for (run = 0; run < count; ++run) body;                    \
-      taken = peerNow() - begin;                                 \
-      if (taken < 5e6) {                                         \
-        count *= 2;                                              \
-        continue;                                                \
-      }                                                          \
-      ++stretch;                                                 \
-      taken /= (double)count * (units);                          \
-      if (best == 0 || taken < best) best = taken;               \
-    }                                                            \
-    printf("%s\t%.4f\n", name, best);                            \
+#define PEER_MEASURE(name, units, body)            \
+  do {                                             \
+    double best = 0, taken = 0, begin;             \
+    long count = 1, run;                           \
+    int stretch;                                   \
+    for (stretch = 0; stretch < 15;) {             \
+      begin = peerNow();                           \
+      for (run = 0; run < count; ++run) body;      \
+      taken = peerNow() - begin;                   \
+      if (taken < 5e6) {                           \
+        count *= 2;                                \
+        continue;                                  \
+      }                                            \
+      ++stretch;                                   \
+      taken /= (double)count * (units);            \
+      if (best == 0 || taken < best) best = taken; \
+    }                                              \
+    printf("%s\t%.4f\n", name, best);              \
   } while (0)
 
 /* The value may be read and written here, as far as the compiler knows. */

@@ -9,7 +9,7 @@ namespace brindle {
 namespace {
 
 constexpr std::int64_t kDaySeconds = 86400;
-constexpr double kReference = 978307200;  // 2001 in seconds since 1970
+constexpr double kReference = 978307200;     // 2001 in seconds since 1970
 constexpr std::int64_t kLateYear = 5000000;  // well inside the days that calendars know
 
 CivilDate dateOf(std::int64_t day) noexcept {

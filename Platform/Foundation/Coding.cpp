@@ -20,13 +20,15 @@ namespace brindle {
 namespace {
 
 [[noreturn]] void raiseBroken(const id& self, const char* what) {
-  detail::raise("NSInvalidUnarchiveOperationException",
-                std::string("keyed archive: an ") + class_getName(object_getClass(self)) + " " + what);
+  detail::raise(
+      "NSInvalidUnarchiveOperationException",
+      std::string("keyed archive: an ") + class_getName(object_getClass(self)) + " " + what);
 }
 
 constexpr MethodDefinition kObjectMethods[] = {
     method<"classForCoder">([](const NSObject& self) { return classOf(self); }),
-    method<"awakeAfterUsingCoder:">([](const NSObject& self, const NSCoder&) -> id { return self; }),
+    method<"awakeAfterUsingCoder:">(
+        [](const NSObject& self, const NSCoder&) -> id { return self; }),
 };
 
 constexpr MethodDefinition kStringMethods[] = {
@@ -65,9 +67,12 @@ constexpr MethodDefinition kDataMethods[] = {
 constexpr MethodDefinition kNumberMethods[] = {
     method<"encodeWithCoder:">([](const NSNumber& self, const NSCoder& coder) {
       const char type = self->objCType()[0];
-      if (type == 'f' || type == 'd') coder->encodeDouble(self->doubleValue(), "NS.dblval"_ns);
-      else if (type == 'c') coder->encodeBool(self->boolValue(), "NS.boolval"_ns);
-      else coder->encodeInteger(self->integerValue(), "NS.intval"_ns);
+      if (type == 'f' || type == 'd')
+        coder->encodeDouble(self->doubleValue(), "NS.dblval"_ns);
+      else if (type == 'c')
+        coder->encodeBool(self->boolValue(), "NS.boolval"_ns);
+      else
+        coder->encodeInteger(self->integerValue(), "NS.intval"_ns);
     }),
     method<"initWithCoder:">([](const NSNumber&, const NSCoder& coder) -> id {
       if (coder->containsValueForKey("NS.dblval"_ns)) {

@@ -8,7 +8,8 @@
 namespace brindle {
 namespace {
 
-void fail(const NSString& where, const NSString& file, NSInteger line, const NSString& description) {
+void fail(const NSString& where, const NSString& file, NSInteger line,
+          const NSString& description) {
   NSLog("*** Assertion failure in %@, %@:%ld"_ns, where, file, line);
   NSException::raise(NSInternalInconsistencyException, "%@"_ns, description);
 }

@@ -1,5 +1,5 @@
-// Assertion handlers decide what a failed assertion does. Each thread has one of its own; this class's
-// logs the failure and raises NSInternalInconsistencyException.
+// Assertion handlers decide what a failed assertion does. Each thread has one of its own; this
+// class's logs the failure and raises NSInternalInconsistencyException.
 //
 //   NSThread::currentThread()->threadDictionary()->setObject(handler, NSAssertionHandlerKey);
 //
@@ -44,8 +44,8 @@ class NSAssertionHandler : public Interface<NSAssertionHandler, NSObject> {
   void handleFailureInFunction(const NSString& function, const NSString& file, NSInteger line,
                                const NSString& format, const A&... arguments) const {
     const std::array<FormatArgument, sizeof...(A)> list{FormatArgument(arguments)...};
-    send<"handleFailureInFunction:file:lineNumber:description:">(*this, function, file, line, format,
-                                                                 FormatArguments{list});
+    send<"handleFailureInFunction:file:lineNumber:description:">(*this, function, file, line,
+                                                                 format, FormatArguments{list});
   }
 };
 

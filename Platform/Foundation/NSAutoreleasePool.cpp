@@ -19,9 +19,8 @@ void drain(const NSAutoreleasePool& self) {
 }
 
 constexpr MethodDefinition kMethods[] = {
-    classMethod<"addObject:">([](const Class&, const id& object) {
-      send<"autorelease", id>(object);
-    }),
+    classMethod<"addObject:">(
+        [](const Class&, const id& object) { send<"autorelease", id>(object); }),
     method<"init">([](const NSAutoreleasePool& self) -> id {
       fieldsOf<Fields>(self) = {autoreleasePoolPush(), true};
       return self;

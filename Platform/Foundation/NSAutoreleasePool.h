@@ -5,7 +5,8 @@
 //   ...
 //   pool->drain();
 //
-// A pool belongs to the thread that made it. Pools nest: draining one takes along those made after it.
+// A pool belongs to the thread that made it. Pools nest: draining one takes along those made after
+// it.
 #pragma once
 
 #include <Brindle/Platform/NSObject.h>
@@ -24,8 +25,8 @@ class NSAutoreleasePool : public Interface<NSAutoreleasePool, NSObject> {
     void addObject(const id& object) const { send<"addObject:">(*this, object); }
   };
 
-  /// Releases what the pool holds; a second time does nothing. What is drained may raise. A pool whose
-  /// last reference goes is drained too: by then a raise ends the program.
+  /// Releases what the pool holds; a second time does nothing. What is drained may raise. A pool
+  /// whose last reference goes is drained too: by then a raise ends the program.
   void drain() const { send<"drain">(*this); }
 };
 

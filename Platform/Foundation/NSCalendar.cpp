@@ -47,7 +47,8 @@ bool isGregorian(const Fields& f) { return f.identifier == "gregorian"; }
 struct Settings {
   std::mutex lock;
   std::optional<internal::UserCalendar> user;
-  // Gregorian in the sign, the first weekday in the value; 0 until it is known. Read without the lock.
+  // Gregorian in the sign, the first weekday in the value; 0 until it is known. Read without the
+  // lock.
   std::atomic<int> week{0};
 };
 
@@ -181,9 +182,8 @@ constexpr MethodDefinition kMethods[] = {
       const NSTimeZone zone = fields(self).timeZone;
       return zone ? zone : NSTimeZone::defaultTimeZone();
     }),
-    method<"setTimeZone:">([](const NSCalendar& self, const NSTimeZone& zone) {
-      fields(self).timeZone = zone;
-    }),
+    method<"setTimeZone:">(
+        [](const NSCalendar& self, const NSTimeZone& zone) { fields(self).timeZone = zone; }),
     method<"locale">([](const NSCalendar& self) -> NSLocale { return fields(self).locale; }),
     method<"setLocale:">([](const NSCalendar& self, const NSLocale& locale) {
       fields(self).locale = locale;

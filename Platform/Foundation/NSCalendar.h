@@ -4,11 +4,12 @@
 //   NSDateComponents parts = calendar->components(NSYearCalendarUnit | NSMonthCalendarUnit, date);
 //
 // The Gregorian calendar counts days before 15 October 1582 in the Julian one, and its years are
-// astronomical: 0 is 1 BC, and reading them back never needs an era. Other calendars count years within
-// their era, and components split by one keep the era. Building is lenient: month 13 is January of the
-// next year, day 0 the last day of the month before; a missing time of day is the start of the day
-// (after a gap at midnight its end; of two midnights the first). A weekday among the fields never wins.
-// A calendar is mutable; one thread at a time. Each call of `currentCalendar` answers one of its own.
+// astronomical: 0 is 1 BC, and reading them back never needs an era. Other calendars count years
+// within their era, and components split by one keep the era. Building is lenient: month 13 is
+// January of the next year, day 0 the last day of the month before; a missing time of day is the
+// start of the day (after a gap at midnight its end; of two midnights the first). A weekday among
+// the fields never wins. A calendar is mutable; one thread at a time. Each call of
+// `currentCalendar` answers one of its own.
 #pragma once
 
 #include <Brindle/Platform/NSDate.h>
@@ -72,8 +73,8 @@ class NSCalendar : public Interface<NSCalendar, NSObject> {
   NSLocale locale() const { return send<"locale", NSLocale>(*this); }
   void setLocale(const NSLocale& locale) const { send<"setLocale:">(*this, locale); }
 
-  /// The fields of the date that the mask asks for; others stay unset, but for the era of a calendar
-  /// that counts years within eras. Nil for a nil date.
+  /// The fields of the date that the mask asks for; others stay unset, but for the era of a
+  /// calendar that counts years within eras. Nil for a nil date.
   NSDateComponents components(NSCalendarUnit units, const NSDate& date) const {
     return send<"components:fromDate:", NSDateComponents>(*this, units, date);
   }

@@ -49,10 +49,8 @@ constexpr MethodDefinition kMethods[] = {
     encoder<"encodeInteger:forKey:", NSInteger>(),
     encoder<"encodeFloat:forKey:", float>(),
     encoder<"encodeDouble:forKey:", double>(),
-    method<"encodeBytes:length:forKey:">(
-        [](const NSCoder& self, Cmd cmd, const void*, NSUInteger, const NSString&) {
-          refuse(self, cmd.selector);
-        }),
+    method<"encodeBytes:length:forKey:">([](const NSCoder& self, Cmd cmd, const void*, NSUInteger,
+                                            const NSString&) { refuse(self, cmd.selector); }),
     decoder<"containsValueForKey:", bool>(),
     decoder<"decodeObjectForKey:", id>(),
     decoder<"decodeBoolForKey:", bool>(),

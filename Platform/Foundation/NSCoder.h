@@ -1,6 +1,6 @@
 // Coders turn objects into archives and back. An object that adopts the coding protocol writes its
-// variables under keys, and reads them again in `initWithCoder:`; keys may come in any order, and may
-// be missing.
+// variables under keys, and reads them again in `initWithCoder:`; keys may come in any order, and
+// may be missing.
 //
 //   method<"encodeWithCoder:">([](const Note& self, const NSCoder& coder) {
 //     coder->encodeObject(self->title(), "title"_ns);
@@ -81,7 +81,9 @@ class NSCoder : public Interface<NSCoder, NSObject> {
     return send<"decodeBoolForKey:", bool>(*this, key);
   }
   /// Beyond the type's range: the nearest value.
-  int decodeIntForKey(const NSString& key) const { return send<"decodeIntForKey:", int>(*this, key); }
+  int decodeIntForKey(const NSString& key) const {
+    return send<"decodeIntForKey:", int>(*this, key);
+  }
   std::int32_t decodeInt32ForKey(const NSString& key) const {
     return send<"decodeInt32ForKey:", std::int32_t>(*this, key);
   }

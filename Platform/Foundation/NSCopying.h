@@ -1,7 +1,7 @@
 // The protocols of objects that can be copied.
 //
-// `copy` and `mutableCopy` of NSObject send `copyWithZone:` and `mutableCopyWithZone:`, which a class
-// that adopts these protocols has. The zone is always null.
+// `copy` and `mutableCopy` of NSObject send `copyWithZone:` and `mutableCopyWithZone:`, which a
+// class that adopts these protocols has. The zone is always null.
 #pragma once
 
 #include <Brindle/Platform/Export.h>

@@ -124,8 +124,7 @@ constexpr MethodDefinition kMethods[] = {
       return self->initWithBytes(bytes.data(), bytes.size());
     }),
     method<"length">([](const NSData& self) -> NSUInteger { return bytesOf(self).size(); }),
-    method<"bytes">(
-        [](const NSData& self) -> const void* { return bytesOf(self).data(); }),
+    method<"bytes">([](const NSData& self) -> const void* { return bytesOf(self).data(); }),
     method<"getBytes:length:">([](const NSData& self, void* buffer, NSUInteger length) {
       const std::string_view bytes = self->view();
       std::copy_n(bytes.data(), std::min<std::size_t>(length, bytes.size()),
@@ -149,12 +148,12 @@ constexpr MethodDefinition kMethods[] = {
     method<"hash">([](const NSData& self) -> NSUInteger {
       return std::hash<std::string_view>()(self->view());
     }),
-    method<"writeToFile:atomically:">(
-        [](const NSData& self, const NSString& path, bool atomically) {
-          if (!path) return false;
-          const std::string name(path);
-          return atomically ? writeAtomically(name, self->view()) : writeInPlace(name, self->view());
-        }),
+    method<"writeToFile:atomically:">([](const NSData& self, const NSString& path,
+                                         bool atomically) {
+      if (!path) return false;
+      const std::string name(path);
+      return atomically ? writeAtomically(name, self->view()) : writeInPlace(name, self->view());
+    }),
     method<"description">([](const NSData& self) { return described(self->view()); }),
     method<"copyWithZone:">([](const NSData& self, NSZone*) -> id { return self; }),
     method<"mutableCopyWithZone:">([](const NSData& self, NSZone*) -> id {

@@ -29,7 +29,9 @@ class NSData : public Interface<NSData, NSObject> {
       return send<"dataWithBytes:length:", Self>(*this, bytes, length);
     }
     /// Empty for nil.
-    Self dataWithData(const NSData& other) const { return send<"dataWithData:", Self>(*this, other); }
+    Self dataWithData(const NSData& other) const {
+      return send<"dataWithData:", Self>(*this, other);
+    }
     /// The file's bytes; nil when it cannot be read.
     Self dataWithContentsOfFile(const NSString& path) const {
       return send<"dataWithContentsOfFile:", Self>(*this, path);
@@ -65,13 +67,17 @@ class NSData : public Interface<NSData, NSObject> {
     send<"getBytes:length:">(*this, buffer, length);
   }
   /// Copies the range. Beyond the end it raises NSRangeException.
-  void getBytes(void* buffer, NSRange range) const { send<"getBytes:range:">(*this, buffer, range); }
+  void getBytes(void* buffer, NSRange range) const {
+    send<"getBytes:range:">(*this, buffer, range);
+  }
   NSData subdataWithRange(NSRange range) const {
     return send<"subdataWithRange:", NSData>(*this, range);
   }
-  bool isEqualToData(const NSData& other) const { return send<"isEqualToData:", bool>(*this, other); }
-  /// Writes the bytes to a file, which is made or replaced; atomically through another file beside it.
-  /// False when that fails.
+  bool isEqualToData(const NSData& other) const {
+    return send<"isEqualToData:", bool>(*this, other);
+  }
+  /// Writes the bytes to a file, which is made or replaced; atomically through another file beside
+  /// it. False when that fails.
   bool writeToFile(const NSString& path, bool atomically) const {
     return send<"writeToFile:atomically:", bool>(*this, path, atomically);
   }

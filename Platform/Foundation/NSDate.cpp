@@ -34,27 +34,27 @@ id dateOf(const Class& cls, NSTimeInterval seconds) {
 }
 
 NSString described(NSTimeInterval seconds) {
-  if (!std::isfinite(seconds)) return NSString::stringWithFormat("%g seconds from 2001"_ns, seconds);
+  if (!std::isfinite(seconds))
+    return NSString::stringWithFormat("%g seconds from 2001"_ns, seconds);
   const internal::CivilMoment moment = internal::civilMoment(seconds + NSTimeIntervalSince1970);
-  return NSString::stringWithFormat("%04lld-%02d-%02d %02d:%02d:%02d +0000"_ns,
-                                    static_cast<long long>(moment.day.year),
-                                    static_cast<int>(moment.day.month),
-                                    static_cast<int>(moment.day.day), moment.secondOfDay / 3600,
-                                    moment.secondOfDay / 60 % 60, moment.secondOfDay % 60);
+  return NSString::stringWithFormat(
+      "%04lld-%02d-%02d %02d:%02d:%02d +0000"_ns, static_cast<long long>(moment.day.year),
+      static_cast<int>(moment.day.month), static_cast<int>(moment.day.day),
+      moment.secondOfDay / 3600, moment.secondOfDay / 60 % 60, moment.secondOfDay % 60);
 }
 
 constexpr MethodDefinition kMethods[] = {
     classMethod<"date">([](const Class& self) -> id { return dateOf(self, now()); }),
-    classMethod<"dateWithTimeIntervalSinceNow:">([](const Class& self, NSTimeInterval s) -> id {
-      return dateOf(self, now() + s);
-    }),
+    classMethod<"dateWithTimeIntervalSinceNow:">(
+        [](const Class& self, NSTimeInterval s) -> id { return dateOf(self, now() + s); }),
     classMethod<"dateWithTimeIntervalSince1970:">([](const Class& self, NSTimeInterval s) -> id {
       return dateOf(self, s - NSTimeIntervalSince1970);
     }),
     classMethod<"dateWithTimeIntervalSinceReferenceDate:">(
         [](const Class& self, NSTimeInterval s) -> id { return dateOf(self, s); }),
     classMethod<"distantPast">([](const Class&) -> NSDate {
-      static const NSDate& past = *new NSDate(cast<NSDate>(dateOf(NSDate::class_(), -63114076800.0)));
+      static const NSDate& past =
+          *new NSDate(cast<NSDate>(dateOf(NSDate::class_(), -63114076800.0)));
       return past;
     }),
     classMethod<"distantFuture">([](const Class&) -> NSDate {
@@ -75,7 +75,8 @@ constexpr MethodDefinition kMethods[] = {
       return send<"initWithTimeIntervalSinceReferenceDate:", id>(self, s - NSTimeIntervalSince1970);
     }),
 
-    method<"timeIntervalSinceReferenceDate">([](const NSDate& self) { return fields(self).seconds; }),
+    method<"timeIntervalSinceReferenceDate">(
+        [](const NSDate& self) { return fields(self).seconds; }),
     method<"timeIntervalSince1970">(
         [](const NSDate& self) { return secondsOf(self) + NSTimeIntervalSince1970; }),
     method<"timeIntervalSinceNow">([](const NSDate& self) { return secondsOf(self) - now(); }),

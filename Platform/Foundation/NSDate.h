@@ -96,10 +96,13 @@ class NSDate : public Interface<NSDate, NSObject> {
     return send<"isEqualToDate:", bool>(*this, other);
   }
   /// The earlier, or later, of the two; the receiver when they are the same instant, and for nil.
-  NSDate earlierDate(const NSDate& other) const { return send<"earlierDate:", NSDate>(*this, other); }
+  NSDate earlierDate(const NSDate& other) const {
+    return send<"earlierDate:", NSDate>(*this, other);
+  }
   NSDate laterDate(const NSDate& other) const { return send<"laterDate:", NSDate>(*this, other); }
 
-  /// The instant as a time point, rounded down. Beyond what milliseconds in 64 bits reach: the nearest.
+  /// The instant as a time point, rounded down. Beyond what milliseconds in 64 bits reach: the
+  /// nearest.
   [[nodiscard]] BRINDLE_PLATFORM_EXPORT std::chrono::sys_time<std::chrono::milliseconds> timePoint()
       const;
 };

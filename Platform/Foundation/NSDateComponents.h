@@ -1,7 +1,7 @@
 // The fields of a date in some calendar: a year, a month, a day, each set or not.
 //
-// A field that was never set reads NSUndefinedDateComponent. Fields hold any number; what they mean is
-// the calendar's business. One thread at a time.
+// A field that was never set reads NSUndefinedDateComponent. Fields hold any number; what they mean
+// is the calendar's business. One thread at a time.
 #pragma once
 
 #include <Brindle/Platform/NSObject.h>
@@ -30,7 +30,8 @@ class NSDateComponents : public Interface<NSDateComponents, NSObject> {
   void setMinute(NSInteger value) const { send<"setMinute:">(*this, value); }
   NSInteger second() const { return send<"second", NSInteger>(*this); }
   void setSecond(NSInteger value) const { send<"setSecond:">(*this, value); }
-  /// 1 for Sunday to 7 for Saturday. A calendar that builds a date from year, month and day ignores it.
+  /// 1 for Sunday to 7 for Saturday. A calendar that builds a date from year, month and day ignores
+  /// it.
   NSInteger weekday() const { return send<"weekday", NSInteger>(*this); }
   void setWeekday(NSInteger value) const { send<"setWeekday:">(*this, value); }
   /// Whether the month is one that some calendars insert.

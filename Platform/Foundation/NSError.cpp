@@ -35,11 +35,10 @@ NSString describe(const NSError& self) {
 }
 
 constexpr MethodDefinition kMethods[] = {
-    classMethod<"errorWithDomain:code:userInfo:">(
-        [](const Class& self, const NSString& domain, NSInteger code, const NSDictionary& info) {
-          return send<"initWithDomain:code:userInfo:", id>(send<"alloc", id>(self), domain, code,
-                                                           info);
-        }),
+    classMethod<"errorWithDomain:code:userInfo:">([](const Class& self, const NSString& domain,
+                                                     NSInteger code, const NSDictionary& info) {
+      return send<"initWithDomain:code:userInfo:", id>(send<"alloc", id>(self), domain, code, info);
+    }),
     method<"initWithDomain:code:userInfo:">([](const NSError& self, Cmd cmd, const NSString& domain,
                                                NSInteger code, const NSDictionary& info) -> id {
       detail::requireArgument(self, cmd.selector, domain);

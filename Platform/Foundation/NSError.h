@@ -1,5 +1,5 @@
-// An error object: what a recoverable failure was, for programs (domain and code) and for people (the
-// texts in its information).
+// An error object: what a recoverable failure was, for programs (domain and code) and for people
+// (the texts in its information).
 //
 //   NSError error = nullptr;
 //   if (!archive->unpack(path, &error)) std::cerr << error->localizedDescription() << '\n';
@@ -41,7 +41,8 @@ class NSError : public Interface<NSError, NSObject> {
   class ClassSide : public NSObject::ClassSide<Self> {
    public:
     /// A nil domain raises NSInvalidArgumentException; the information may be nil.
-    Self errorWithDomain(const NSString& domain, NSInteger code, const NSDictionary& userInfo) const {
+    Self errorWithDomain(const NSString& domain, NSInteger code,
+                         const NSDictionary& userInfo) const {
       return send<"errorWithDomain:code:userInfo:", Self>(*this, domain, code, userInfo);
     }
   };
@@ -50,7 +51,8 @@ class NSError : public Interface<NSError, NSObject> {
     return class_()->errorWithDomain(domain, code, userInfo);
   }
 
-  NSError initWithDomain(const NSString& domain, NSInteger code, const NSDictionary& userInfo) const {
+  NSError initWithDomain(const NSString& domain, NSInteger code,
+                         const NSDictionary& userInfo) const {
     return send<"initWithDomain:code:userInfo:", NSError>(*this, domain, code, userInfo);
   }
 

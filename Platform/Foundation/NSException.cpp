@@ -39,28 +39,28 @@ Fields& fields(const NSException& self) { return fieldsOf<Fields>(self); }
 bool equalOrBothNil(const id& a, const id& b) { return a == b || send<"isEqual:", bool>(a, b); }
 
 constexpr MethodDefinition kMethods[] = {
-    classMethod<"exceptionWithName:reason:userInfo:">(
-        [](const Class& self, const NSString& name, const NSString& reason,
-           const NSDictionary& userInfo) {
-          return send<"initWithName:reason:userInfo:", id>(send<"alloc", id>(self), name, reason,
-                                                           userInfo);
-        }),
+    classMethod<"exceptionWithName:reason:userInfo:">([](const Class& self, const NSString& name,
+                                                         const NSString& reason,
+                                                         const NSDictionary& userInfo) {
+      return send<"initWithName:reason:userInfo:", id>(send<"alloc", id>(self), name, reason,
+                                                       userInfo);
+    }),
     classMethod<"raise:format:">([](const Class& self, const NSString& name, const NSString& format,
                                     const FormatArguments& arguments) {
       const NSString reason = detail::formatString(format, arguments.list);
-      const auto made = send<"exceptionWithName:reason:userInfo:", NSException>(
-          self, name, reason, NSDictionary());
+      const auto made = send<"exceptionWithName:reason:userInfo:", NSException>(self, name, reason,
+                                                                                NSDictionary());
       send<"raise">(made);
     }),
-    method<"initWithName:reason:userInfo:">(
-        [](const NSException& self, Cmd cmd, const NSString& name, const NSString& reason,
-           const NSDictionary& userInfo) -> id {
-          detail::requireArgument(self, cmd.selector, name);
-          fields(self).name = name->copy();
-          fields(self).reason = reason->copy();
-          fields(self).userInfo = userInfo;
-          return self;
-        }),
+    method<"initWithName:reason:userInfo:">([](const NSException& self, Cmd cmd,
+                                               const NSString& name, const NSString& reason,
+                                               const NSDictionary& userInfo) -> id {
+      detail::requireArgument(self, cmd.selector, name);
+      fields(self).name = name->copy();
+      fields(self).reason = reason->copy();
+      fields(self).userInfo = userInfo;
+      return self;
+    }),
     method<"raise">([](const NSException& self) {
       auto& addresses = fields(self).addresses;
       if (addresses.empty()) addresses = returnAddresses();

@@ -6,8 +6,8 @@
 //     if (raised.exception()->name()->isEqualToString(NSRangeException)) ...
 //   }
 //
-// Raising throws a C++ exception that holds the object. Exception objects are immutable and may be used
-// by many threads at once.
+// Raising throws a C++ exception that holds the object. Exception objects are immutable and may be
+// used by many threads at once.
 #pragma once
 
 #include <cstdlib>

@@ -2,10 +2,11 @@
 //
 //   for (const id& member : array) ...
 //
-// Works for every class with `countByEnumeratingWithState:objects:count:`, clients' own included. The
-// members are lent: a member that the loop's body takes out of the collection, or a collection that is
-// changed, must not be used further. The loop keeps the collection itself alive. A collection that was
-// changed meanwhile raises NSGenericException before the next member is seen; not after the last.
+// Works for every class with `countByEnumeratingWithState:objects:count:`, clients' own included.
+// The members are lent: a member that the loop's body takes out of the collection, or a collection
+// that is changed, must not be used further. The loop keeps the collection itself alive. A
+// collection that was changed meanwhile raises NSGenericException before the next member is seen;
+// not after the last.
 #pragma once
 
 #include <array>
@@ -58,8 +59,10 @@ class NSFastEnumerationIterator {
 
   const id& operator*() const noexcept { return state_.itemsPtr[index_]; }
   NSFastEnumerationIterator& operator++() {
-    if (++index_ < count_) checkUnchanged();
-    else fetch();
+    if (++index_ < count_)
+      checkUnchanged();
+    else
+      fetch();
     return *this;
   }
   friend bool operator==(const NSFastEnumerationIterator& i, NSFastEnumerationEnd) noexcept {
@@ -77,7 +80,8 @@ class NSFastEnumerationIterator {
     checkUnchanged();
   }
   void checkUnchanged() const {
-    if (*state_.mutationsPtr != mutations_) [[unlikely]] detail::raiseMutated(collection_);
+    if (*state_.mutationsPtr != mutations_) [[unlikely]]
+      detail::raiseMutated(collection_);
   }
 
   id collection_;

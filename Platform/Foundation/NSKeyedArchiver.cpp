@@ -31,8 +31,8 @@ using Uid = std::uint32_t;
 
 struct Fields {
   PropertyList list;
-  std::vector<Index> objects;    // by UID; kNone while an object is written
-  internal::PointerTable uids;   // of objects and classes
+  std::vector<Index> objects;   // by UID; kNone while an object is written
+  internal::PointerTable uids;  // of objects and classes
   std::vector<id> kept;  // what has a UID stays alive, so that no other object takes its address
   std::vector<std::pair<Index, Uid>> conditionals;  // references that may become nil
   std::unordered_map<ClassRecord*, NSString> classNames;
@@ -109,9 +109,12 @@ constexpr MethodDefinition numberEncoder() {
     begin(self, cmd.selector, key);
     PropertyList& list = fields(self).list;
     const Index name = addKey(list, key);
-    if constexpr (std::is_same_v<T, bool>) put(self, name, list.addBoolean(value));
-    else if constexpr (std::floating_point<T>) put(self, name, list.addReal(value));
-    else put(self, name, list.addInteger(std::int64_t{value}));
+    if constexpr (std::is_same_v<T, bool>)
+      put(self, name, list.addBoolean(value));
+    else if constexpr (std::floating_point<T>)
+      put(self, name, list.addReal(value));
+    else
+      put(self, name, list.addInteger(std::int64_t{value}));
   });
 }
 
@@ -120,18 +123,19 @@ constexpr MethodDefinition numberEncoder() {
 Index numberNode(PropertyList& list, const NSNumber& number) {
   const char type = number->objCType()[0];
   if (type == 'f' || type == 'd') return list.addReal(number->doubleValue());
-  if (type == 'c' && (number == NSNumber::numberWithBool(true) ||
-                      number == NSNumber::numberWithBool(false))) {
+  if (type == 'c' &&
+      (number == NSNumber::numberWithBool(true) || number == NSNumber::numberWithBool(false))) {
     return list.addBoolean(number->boolValue());
   }
-  if (type == 'Q') return list.addInteger(PropertyInteger::fromUnsigned(number->unsignedLongLongValue()));
+  if (type == 'Q')
+    return list.addInteger(PropertyInteger::fromUnsigned(number->unsignedLongLongValue()));
   return list.addInteger(std::int64_t{number->longLongValue()});
 }
 
 Class codedClass(const id& object) { return send<"classForCoder", Class>(object); }
 
-// Strings, numbers and data stand in the archive as such; kNone for everything else, and for the text
-// that stands for nil there.
+// Strings, numbers and data stand in the archive as such; kNone for everything else, and for the
+// text that stands for nil there.
 Index plainNode(PropertyList& list, const id& object, Class cls) {
   if (cls == NSString::class_()) {
     const detail::StringText text(static_cast<const NSString&>(object));
@@ -150,8 +154,7 @@ Uid newUid(Fields& f) {
 Index nameNode(const NSKeyedArchiver& self, Class cls) {
   Fields& f = fields(self);
   const auto found = f.classNames.find(cls.record());
-  const NSString other =
-      found != f.classNames.end() ? found->second : sharedName(cls.record());
+  const NSString other = found != f.classNames.end() ? found->second : sharedName(cls.record());
   if (other) return f.list.addString(detail::StringText(other));
   const std::string_view name = class_getName(cls);
   if (TextView::latin1(name).isAscii()) return f.list.addLentString(TextView::latin1(name));
@@ -272,8 +275,9 @@ void finish(const NSKeyedArchiver& self, SEL selector) {
       f.list.addLentString(plain("$top")),      f.list.addDictionary(f.values),
       f.list.addLentString(plain("$objects")),  f.list.addArray(f.objects)};
   f.list.setRoot(f.list.addDictionary(entries));
-  const auto format = f.format == NSPropertyListXMLFormat_v1_0 ? internal::PropertyListFormat::xml
-                                                               : internal::PropertyListFormat::binary;
+  const auto format = f.format == NSPropertyListXMLFormat_v1_0
+                          ? internal::PropertyListFormat::xml
+                          : internal::PropertyListFormat::binary;
   std::string error;
   auto bytes = internal::writePropertyList(f.list, format, error);
   if (!bytes) detail::raiseIn("NSInvalidArchiveOperationException", self, selector, error);
@@ -287,8 +291,8 @@ void finish(const NSKeyedArchiver& self, SEL selector) {
 constexpr MethodDefinition kMethods[] = {
     classMethod<"archivedDataWithRootObject:">([](const Class& self, const id& object) -> NSData {
       const NSMutableData data = NSMutableData::data();
-      const auto archiver = send<"initForWritingWithMutableData:", NSKeyedArchiver>(
-          send<"alloc", id>(self), data);
+      const auto archiver =
+          send<"initForWritingWithMutableData:", NSKeyedArchiver>(send<"alloc", id>(self), data);
       archiver->encodeObject(object, NSKeyedArchiveRootObjectKey);
       archiver->finishEncoding();
       return detail::makeData(std::move(detail::bytesOf(data)));
@@ -301,8 +305,10 @@ constexpr MethodDefinition kMethods[] = {
       SharedNames& shared = sharedNames();
       const std::lock_guard guard(shared.lock);
       shared.isUsed.store(true, std::memory_order_release);
-      if (name) shared.names.insert_or_assign(cls.record(), name->copy());
-      else shared.names.erase(cls.record());
+      if (name)
+        shared.names.insert_or_assign(cls.record(), name->copy());
+      else
+        shared.names.erase(cls.record());
     }),
     classMethod<"classNameForClass:">(
         [](const Class&, const Class& cls) { return sharedName(cls.record()); }),
@@ -319,7 +325,8 @@ constexpr MethodDefinition kMethods[] = {
           f.objects.push_back(f.list.addLentString(plain("$null")));
           return self;
         }),
-    method<"finishEncoding">([](const NSKeyedArchiver& self, Cmd cmd) { finish(self, cmd.selector); }),
+    method<"finishEncoding">(
+        [](const NSKeyedArchiver& self, Cmd cmd) { finish(self, cmd.selector); }),
     method<"outputFormat">([](const NSKeyedArchiver& self) { return fields(self).format; }),
     method<"setOutputFormat:">(
         [](const NSKeyedArchiver& self, Cmd cmd, NSPropertyListFormat format) {
@@ -331,8 +338,10 @@ constexpr MethodDefinition kMethods[] = {
         }),
     method<"setClassName:forClass:">(
         [](const NSKeyedArchiver& self, const NSString& name, const Class& cls) {
-          if (name) fields(self).classNames.insert_or_assign(cls.record(), name->copy());
-          else fields(self).classNames.erase(cls.record());
+          if (name)
+            fields(self).classNames.insert_or_assign(cls.record(), name->copy());
+          else
+            fields(self).classNames.erase(cls.record());
         }),
     method<"classNameForClass:">([](const NSKeyedArchiver& self, const Class& cls) -> NSString {
       const auto& names = fields(self).classNames;

@@ -3,8 +3,8 @@
 //   NSData data = NSKeyedArchiver::archivedDataWithRootObject(range);
 //
 // Strings, numbers, data, dates, NSNull, arrays, dictionaries and sets can be archived, and every
-// object that adopts `kNSCoding`. Objects that refer to each other, also in a circle, come back so. An
-// object that cannot be archived raises. Left out: delegates, secure coding.
+// object that adopts `kNSCoding`. Objects that refer to each other, also in a circle, come back so.
+// An object that cannot be archived raises. Left out: delegates, secure coding.
 #pragma once
 
 #include <Brindle/Platform/NSCoder.h>

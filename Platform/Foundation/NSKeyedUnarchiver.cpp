@@ -93,7 +93,8 @@ const char* open(Fields& f) {
     return "\"$version\" is not 100000";
   }
   const Index top = list.find(root, plain("$top"));
-  if (top == kNone || list.kind(top) != PropertyKind::dictionary) return "\"$top\" is no dictionary";
+  if (top == kNone || list.kind(top) != PropertyKind::dictionary)
+    return "\"$top\" is no dictionary";
   const Index objects = list.find(root, plain("$objects"));
   if (objects == kNone || list.kind(objects) != PropertyKind::array) {
     return "\"$objects\" is no array";
@@ -145,8 +146,10 @@ Index findNumber(const NSKeyedUnarchiver& self, SEL selector, const NSString& ke
 template <class T>
 T clamped(double value) {
   if (std::isnan(value)) return 0;
-  if (value >= static_cast<double>(std::numeric_limits<T>::max())) return std::numeric_limits<T>::max();
-  if (value <= static_cast<double>(std::numeric_limits<T>::min())) return std::numeric_limits<T>::min();
+  if (value >= static_cast<double>(std::numeric_limits<T>::max()))
+    return std::numeric_limits<T>::max();
+  if (value <= static_cast<double>(std::numeric_limits<T>::min()))
+    return std::numeric_limits<T>::min();
   return static_cast<T>(value);
 }
 
@@ -165,18 +168,26 @@ template <class T>
 T readNumber(const PropertyList& list, Index node) {
   if (node == kNone) return T{};
   switch (list.kind(node)) {
-    case PropertyKind::boolean: return static_cast<T>(list.boolean(node));
+    case PropertyKind::boolean:
+      return static_cast<T>(list.boolean(node));
     case PropertyKind::real: {
-      if constexpr (std::is_same_v<T, bool>) return list.real(node) != 0;
-      else if constexpr (std::floating_point<T>) return static_cast<T>(list.real(node));
-      else return clamped<T>(list.real(node));
+      if constexpr (std::is_same_v<T, bool>)
+        return list.real(node) != 0;
+      else if constexpr (std::floating_point<T>)
+        return static_cast<T>(list.real(node));
+      else
+        return clamped<T>(list.real(node));
     }
     case PropertyKind::integer: {
-      if constexpr (std::is_same_v<T, bool>) return list.integer(node) != PropertyInteger();
-      else if constexpr (std::floating_point<T>) return static_cast<T>(list.integer(node).asReal());
-      else return clamped<T>(list.integer(node));
+      if constexpr (std::is_same_v<T, bool>)
+        return list.integer(node) != PropertyInteger();
+      else if constexpr (std::floating_point<T>)
+        return static_cast<T>(list.integer(node).asReal());
+      else
+        return clamped<T>(list.integer(node));
     }
-    default: return T{};
+    default:
+      return T{};
   }
 }
 
@@ -198,13 +209,20 @@ NSNumber numberFrom(PropertyInteger value) {
 // Strings, numbers, data and dates stand in the archive as such; nil for every other node.
 id plainObject(const PropertyList& list, Index node) {
   switch (list.kind(node)) {
-    case PropertyKind::string: return detail::makeString(list.string(node));
-    case PropertyKind::integer: return numberFrom(list.integer(node));
-    case PropertyKind::real: return NSNumber::numberWithDouble(list.real(node));
-    case PropertyKind::boolean: return NSNumber::numberWithBool(list.boolean(node));
-    case PropertyKind::data: return NSData(list.data(node));
-    case PropertyKind::date: return NSDate::dateWithTimeIntervalSinceReferenceDate(list.date(node));
-    default: return nullptr;
+    case PropertyKind::string:
+      return detail::makeString(list.string(node));
+    case PropertyKind::integer:
+      return numberFrom(list.integer(node));
+    case PropertyKind::real:
+      return NSNumber::numberWithDouble(list.real(node));
+    case PropertyKind::boolean:
+      return NSNumber::numberWithBool(list.boolean(node));
+    case PropertyKind::data:
+      return NSData(list.data(node));
+    case PropertyKind::date:
+      return NSDate::dateWithTimeIntervalSinceReferenceDate(list.date(node));
+    default:
+      return nullptr;
   }
 }
 
@@ -338,8 +356,10 @@ constexpr MethodDefinition kMethods[] = {
       SharedClasses& shared = sharedClasses();
       const std::lock_guard guard(shared.lock);
       shared.isUsed.store(true, std::memory_order_release);
-      if (cls) shared.classes.insert_or_assign(std::string(name), cls);
-      else shared.classes.erase(std::string(name));
+      if (cls)
+        shared.classes.insert_or_assign(std::string(name), cls);
+      else
+        shared.classes.erase(std::string(name));
     }),
     classMethod<"classForClassName:">(
         [](const Class&, const NSString& name) { return sharedClass(std::string(name)); }),
@@ -362,8 +382,10 @@ constexpr MethodDefinition kMethods[] = {
     method<"finishDecoding">([](const NSKeyedUnarchiver& self) { forget(fields(self)); }),
     method<"setClass:forClassName:">(
         [](const NSKeyedUnarchiver& self, const Class& cls, const NSString& name) {
-          if (cls) fields(self).names.insert_or_assign(std::string(name), cls);
-          else fields(self).names.erase(std::string(name));
+          if (cls)
+            fields(self).names.insert_or_assign(std::string(name), cls);
+          else
+            fields(self).names.erase(std::string(name));
         }),
     method<"classForClassName:">([](const NSKeyedUnarchiver& self, const NSString& name) -> Class {
       const auto& names = fields(self).names;
@@ -385,16 +407,15 @@ constexpr MethodDefinition kMethods[] = {
     numberDecoder<"decodeIntegerForKey:", NSInteger>(),
     numberDecoder<"decodeFloatForKey:", float>(),
     numberDecoder<"decodeDoubleForKey:", double>(),
-    method<"decodeBytesForKey:returnedLength:">(
-        [](const NSKeyedUnarchiver& self, Cmd cmd, const NSString& key,
-           NSUInteger* length) -> const void* {
-          const Index node = find(self, cmd.selector, key);
-          const bool isData =
-              node != kNone && fields(self).list.kind(node) == PropertyKind::data;
-          const std::string_view bytes = isData ? fields(self).list.data(node) : std::string_view();
-          if (length != nullptr) *length = bytes.size();
-          return isData ? bytes.data() : nullptr;
-        }),
+    method<"decodeBytesForKey:returnedLength:">([](const NSKeyedUnarchiver& self, Cmd cmd,
+                                                   const NSString& key,
+                                                   NSUInteger* length) -> const void* {
+      const Index node = find(self, cmd.selector, key);
+      const bool isData = node != kNone && fields(self).list.kind(node) == PropertyKind::data;
+      const std::string_view bytes = isData ? fields(self).list.data(node) : std::string_view();
+      if (length != nullptr) *length = bytes.size();
+      return isData ? bytes.data() : nullptr;
+    }),
     method<"_decodeArrayOfObjectsForKey:">(
         [](const NSKeyedUnarchiver& self, Cmd cmd, const NSString& key) {
           const Index node = find(self, cmd.selector, key);

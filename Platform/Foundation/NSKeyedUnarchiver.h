@@ -2,11 +2,11 @@
 //
 //   auto range = dynCast<BDDateRange>(NSKeyedUnarchiver::unarchiveObjectWithData(data));
 //
-// Archives are not trusted. What is no keyed archive raises NSInvalidArgumentException; a class that
-// the program does not have, references that lead nowhere and objects nested more deeply than the
-// thread's stack allows raise NSInvalidUnarchiveOperationException. What a class does with values of
-// kinds that it did not expect is the class's own concern: `decodeObjectForKey:` answers any object, so
-// ask for its class.
+// Archives are not trusted. What is no keyed archive raises NSInvalidArgumentException; a class
+// that the program does not have, references that lead nowhere and objects nested more deeply than
+// the thread's stack allows raise NSInvalidUnarchiveOperationException. What a class does with
+// values of kinds that it did not expect is the class's own concern: `decodeObjectForKey:` answers
+// any object, so ask for its class.
 #pragma once
 
 #include <Brindle/Platform/NSCoder.h>
@@ -34,7 +34,8 @@ class NSKeyedUnarchiver : public Interface<NSKeyedUnarchiver, NSCoder> {
     id unarchiveObjectWithFile(const NSString& path) const {
       return send<"unarchiveObjectWithFile:", id>(*this, path);
     }
-    /// The class that every unarchiver makes for a name in an archive; nil for the class of that name.
+    /// The class that every unarchiver makes for a name in an archive; nil for the class of that
+    /// name.
     void setClass(Class cls, const NSString& name) const {
       send<"setClass:forClassName:">(*this, cls, name);
     }

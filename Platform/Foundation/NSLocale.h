@@ -1,7 +1,7 @@
 // A locale: the language and customs of a user or a text.
 //
-// Present so far: the user's locale, and a locale's identifier. The user's comes from LC_ALL, LC_TIME
-// or LANG, the first that is not empty; the encoding behind the point is left out, and C is
+// Present so far: the user's locale, and a locale's identifier. The user's comes from LC_ALL,
+// LC_TIME or LANG, the first that is not empty; the encoding behind the point is left out, and C is
 // "en_US_POSIX". Locales are immutable; any thread.
 #pragma once
 

@@ -52,24 +52,24 @@ constexpr MethodDefinition kMethods[] = {
           if (length > 0) bytesOf(self).append(static_cast<const char*>(bytes), length);
         }),
     method<"appendData:">([](const NSMutableData& self, const NSData& other) {
-      const std::string_view bytes = other->view();  // it may be the receiver, which `append` allows
+      const std::string_view bytes =
+          other->view();  // it may be the receiver, which `append` allows
       if (!bytes.empty()) self->appendBytes(bytes.data(), bytes.size());
     }),
-    method<"replaceBytesInRange:withBytes:length:">(
-        [](const NSMutableData& self, Cmd cmd, NSRange range, const void* bytes,
-           NSUInteger length) {
-          std::string& own = bytesOf(self);
-          detail::requireRangeWithin(self, cmd.selector, range.location, 0, own.size());
-          // The bytes may be the receiver's own.
-          const std::string replacement(static_cast<const char*>(bytes), length);
-          own.replace(range.location, range.length, replacement);
-        }),
+    method<"replaceBytesInRange:withBytes:length:">([](const NSMutableData& self, Cmd cmd,
+                                                       NSRange range, const void* bytes,
+                                                       NSUInteger length) {
+      std::string& own = bytesOf(self);
+      detail::requireRangeWithin(self, cmd.selector, range.location, 0, own.size());
+      // The bytes may be the receiver's own.
+      const std::string replacement(static_cast<const char*>(bytes), length);
+      own.replace(range.location, range.length, replacement);
+    }),
     method<"setData:">([](const NSMutableData& self, const NSData& other) {
       bytesOf(self) = std::string(other->view());
     }),
-    method<"copyWithZone:">([](const NSMutableData& self, NSZone*) -> id {
-      return detail::makeData(bytesOf(self));
-    }),
+    method<"copyWithZone:">(
+        [](const NSMutableData& self, NSZone*) -> id { return detail::makeData(bytesOf(self)); }),
 };
 
 constexpr ClassDefinition kDefinition{.name = "NSMutableData", .methods = kMethods};

@@ -29,7 +29,9 @@ class NSMutableData : public Interface<NSMutableData, NSData> {
   static NSMutableData dataWithCapacity(NSUInteger capacity) {
     return class_()->dataWithCapacity(capacity);
   }
-  static NSMutableData dataWithLength(NSUInteger length) { return class_()->dataWithLength(length); }
+  static NSMutableData dataWithLength(NSUInteger length) {
+    return class_()->dataWithLength(length);
+  }
 
   /// The bytes, to be changed in place until the next change of the length.
   void* mutableBytes() const { return send<"mutableBytes", void*>(*this); }
@@ -48,6 +50,8 @@ class NSMutableData : public Interface<NSMutableData, NSData> {
   void setData(const NSData& other) const { send<"setData:">(*this, other); }
 };
 
-inline NSMutableData NSData::mutableCopy() const { return send<"mutableCopy", NSMutableData>(*this); }
+inline NSMutableData NSData::mutableCopy() const {
+  return send<"mutableCopy", NSMutableData>(*this);
+}
 
 }  // namespace brindle

@@ -63,9 +63,12 @@ NSNumber makeNumber(T value) {
   if constexpr (std::is_same_v<T, int>) {
     if (value >= kLeastShared && value <= kGreatestShared) return small(value);
   }
-  if constexpr (std::floating_point<T>) return make(NumberValue::ofReal(value, kType));
-  else if constexpr (std::is_signed_v<T>) return make(NumberValue::ofSigned(value, kType));
-  else return make(NumberValue::ofUnsigned(value, kType));
+  if constexpr (std::floating_point<T>)
+    return make(NumberValue::ofReal(value, kType));
+  else if constexpr (std::is_signed_v<T>)
+    return make(NumberValue::ofSigned(value, kType));
+  else
+    return make(NumberValue::ofUnsigned(value, kType));
 }
 
 template <FixedString Name, class T>
@@ -77,9 +80,12 @@ template <class T>
 T converted(const NumberValue& value) {
   if constexpr (std::floating_point<T>) {
     switch (value.kind) {
-      case NumberValue::Kind::real: return static_cast<T>(value.real);
-      case NumberValue::Kind::unsignedInteger: return static_cast<T>(value.bits);
-      default: return static_cast<T>(static_cast<std::int64_t>(value.bits));
+      case NumberValue::Kind::real:
+        return static_cast<T>(value.real);
+      case NumberValue::Kind::unsignedInteger:
+        return static_cast<T>(value.bits);
+      default:
+        return static_cast<T>(static_cast<std::int64_t>(value.bits));
     }
   } else {
     if (value.kind != NumberValue::Kind::real) return static_cast<T>(value.bits);
@@ -119,12 +125,21 @@ NSString text(const NumberValue& value) {
 void store(const NumberValue& value, void* buffer) {
   const auto put = [buffer](auto number) { std::memcpy(buffer, &number, sizeof number); };
   switch (value.type) {
-    case 'f': return put(static_cast<float>(value.real));
-    case 'd': return put(value.real);
-    case 's': case 'S': return put(static_cast<std::uint16_t>(value.bits));
-    case 'i': case 'I': return put(static_cast<std::uint32_t>(value.bits));
-    case 'c': case 'C': return put(static_cast<std::uint8_t>(value.bits));
-    default: return put(value.bits);
+    case 'f':
+      return put(static_cast<float>(value.real));
+    case 'd':
+      return put(value.real);
+    case 's':
+    case 'S':
+      return put(static_cast<std::uint16_t>(value.bits));
+    case 'i':
+    case 'I':
+      return put(static_cast<std::uint32_t>(value.bits));
+    case 'c':
+    case 'C':
+      return put(static_cast<std::uint8_t>(value.bits));
+    default:
+      return put(value.bits);
   }
 }
 

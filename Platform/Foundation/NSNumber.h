@@ -3,8 +3,8 @@
 //   NSNumber seven = 7;
 //   if (seven->isEqual(NSNumber(7.0))) ...   // numbers are equal by value, whatever their types
 //
-// Immutable; may be used by many threads at once. Two threads may also share the small ones that the
-// class keeps.
+// Immutable; may be used by many threads at once. Two threads may also share the small ones that
+// the class keeps.
 #pragma once
 
 #include <concepts>
@@ -23,15 +23,19 @@ class NSNumber : public Interface<NSNumber, NSValue> {
 
   /// The number of that C++ type; `bool` gives a truth value.
   template <class T>
-  requires std::integral<T> || std::floating_point<T>
-  NSNumber(T value) : NSNumber(make(value)) {}  // NOLINT: a number is a number
+  requires std::integral<T> || std::floating_point<T> NSNumber(T value)
+      : NSNumber(make(value)) {}  // NOLINT: a number is a number
 
   template <class Self>
   class ClassSide : public NSValue::ClassSide<Self> {
    public:
     /// One of two objects, which are told from all other numbers in archives.
-    NSNumber numberWithBool(bool value) const { return send<"numberWithBool:", NSNumber>(*this, value); }
-    NSNumber numberWithChar(signed char v) const { return send<"numberWithChar:", NSNumber>(*this, v); }
+    NSNumber numberWithBool(bool value) const {
+      return send<"numberWithBool:", NSNumber>(*this, value);
+    }
+    NSNumber numberWithChar(signed char v) const {
+      return send<"numberWithChar:", NSNumber>(*this, v);
+    }
     NSNumber numberWithUnsignedChar(unsigned char v) const {
       return send<"numberWithUnsignedChar:", NSNumber>(*this, v);
     }
@@ -60,7 +64,9 @@ class NSNumber : public Interface<NSNumber, NSValue> {
       return send<"numberWithUnsignedInteger:", NSNumber>(*this, v);
     }
     NSNumber numberWithFloat(float v) const { return send<"numberWithFloat:", NSNumber>(*this, v); }
-    NSNumber numberWithDouble(double v) const { return send<"numberWithDouble:", NSNumber>(*this, v); }
+    NSNumber numberWithDouble(double v) const {
+      return send<"numberWithDouble:", NSNumber>(*this, v);
+    }
   };
 
   static NSNumber numberWithBool(bool value) { return class_()->numberWithBool(value); }
@@ -68,7 +74,9 @@ class NSNumber : public Interface<NSNumber, NSValue> {
   static NSNumber numberWithUnsignedInt(unsigned value) {
     return class_()->numberWithUnsignedInt(value);
   }
-  static NSNumber numberWithLongLong(long long value) { return class_()->numberWithLongLong(value); }
+  static NSNumber numberWithLongLong(long long value) {
+    return class_()->numberWithLongLong(value);
+  }
   static NSNumber numberWithUnsignedLongLong(unsigned long long value) {
     return class_()->numberWithUnsignedLongLong(value);
   }
@@ -79,11 +87,13 @@ class NSNumber : public Interface<NSNumber, NSValue> {
   static NSNumber numberWithFloat(float value) { return class_()->numberWithFloat(value); }
   static NSNumber numberWithDouble(double value) { return class_()->numberWithDouble(value); }
 
-  /// The number converted as C converts integers: the low bits. A floating number is cut toward zero,
-  /// and the nearest value of the type beyond its range; 0 for one that is no number.
+  /// The number converted as C converts integers: the low bits. A floating number is cut toward
+  /// zero, and the nearest value of the type beyond its range; 0 for one that is no number.
   bool boolValue() const { return send<"boolValue", bool>(*this); }
   signed char charValue() const { return send<"charValue", signed char>(*this); }
-  unsigned char unsignedCharValue() const { return send<"unsignedCharValue", unsigned char>(*this); }
+  unsigned char unsignedCharValue() const {
+    return send<"unsignedCharValue", unsigned char>(*this);
+  }
   short shortValue() const { return send<"shortValue", short>(*this); }
   unsigned short unsignedShortValue() const {
     return send<"unsignedShortValue", unsigned short>(*this);
@@ -91,7 +101,9 @@ class NSNumber : public Interface<NSNumber, NSValue> {
   int intValue() const { return send<"intValue", int>(*this); }
   unsigned unsignedIntValue() const { return send<"unsignedIntValue", unsigned>(*this); }
   long longValue() const { return send<"longValue", long>(*this); }
-  unsigned long unsignedLongValue() const { return send<"unsignedLongValue", unsigned long>(*this); }
+  unsigned long unsignedLongValue() const {
+    return send<"unsignedLongValue", unsigned long>(*this);
+  }
   long long longLongValue() const { return send<"longLongValue", long long>(*this); }
   unsigned long long unsignedLongLongValue() const {
     return send<"unsignedLongLongValue", unsigned long long>(*this);
@@ -116,15 +128,20 @@ class NSNumber : public Interface<NSNumber, NSValue> {
  private:
   template <class T>
   static NSNumber make(T value) {
-    if constexpr (std::same_as<T, bool>) return class_()->numberWithBool(value);
-    else if constexpr (std::same_as<T, float>) return class_()->numberWithFloat(value);
+    if constexpr (std::same_as<T, bool>)
+      return class_()->numberWithBool(value);
+    else if constexpr (std::same_as<T, float>)
+      return class_()->numberWithFloat(value);
     else if constexpr (std::floating_point<T>) {
       return class_()->numberWithDouble(static_cast<double>(value));
     } else if constexpr (std::is_signed_v<T> && sizeof(T) <= sizeof(int)) {
       return class_()->numberWithInt(value);
-    } else if constexpr (std::is_signed_v<T>) return class_()->numberWithLongLong(value);
-    else if constexpr (sizeof(T) <= sizeof(int)) return class_()->numberWithUnsignedInt(value);
-    else return class_()->numberWithUnsignedLongLong(value);
+    } else if constexpr (std::is_signed_v<T>)
+      return class_()->numberWithLongLong(value);
+    else if constexpr (sizeof(T) <= sizeof(int))
+      return class_()->numberWithUnsignedInt(value);
+    else
+      return class_()->numberWithUnsignedLongLong(value);
   }
 };
 

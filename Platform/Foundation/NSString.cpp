@@ -252,15 +252,15 @@ void requireIndex(const id& self, SEL selector, NSUInteger index, NSUInteger len
 
 void raiseBeyond(const id& self, SEL selector, NSUInteger index, NSUInteger length) {
   raiseIn("NSRangeException", self, selector,
-                 "index " + std::to_string(index) + " beyond the end of a string of length " +
-                     std::to_string(length));
+          "index " + std::to_string(index) + " beyond the end of a string of length " +
+              std::to_string(length));
 }
 
 void requireRange(const id& self, SEL selector, NSRange range, NSUInteger length) {
   if (range.location <= length && range.length <= length - range.location) return;
   raiseIn("NSRangeException", self, selector,
-                 "range {" + std::to_string(range.location) + ", " + std::to_string(range.length) +
-                     "} beyond the end of a string of length " + std::to_string(length));
+          "range {" + std::to_string(range.location) + ", " + std::to_string(range.length) +
+              "} beyond the end of a string of length " + std::to_string(length));
 }
 
 }  // namespace detail

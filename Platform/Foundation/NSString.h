@@ -331,9 +331,7 @@ inline NSString::NSString(const char* utf8)
                             : detail::stringFromUtf8(utf8, std::char_traits<char>::length(utf8))) {}
 
 inline NSString id::description() const { return send<"description", NSString>(*this); }
-inline NSString id::debugDescription() const {
-  return send<"debugDescription", NSString>(*this);
-}
+inline NSString id::debugDescription() const { return send<"debugDescription", NSString>(*this); }
 
 /// Writes the object's description; "(null)" for nil.
 BRINDLE_PLATFORM_EXPORT std::ostream& operator<<(std::ostream& stream, const id& object);

@@ -26,9 +26,7 @@ NSRange found(std::optional<TextRange> match, NSUInteger offset) {
   return {offset + match->location, match->length};
 }
 
-std::string userLanguage() {
-  return std::string(NSLocale::currentLocale()->localeIdentifier());
-}
+std::string userLanguage() { return std::string(NSLocale::currentLocale()->localeIdentifier()); }
 
 NSComparisonResult compareLocalized(const NSString& self, const NSString& other,
                                     bool caseInsensitive) {
@@ -133,7 +131,7 @@ void requireOptions(const id& self, SEL selector, NSStringCompareOptions options
       NSNumericSearch | NSDiacriticInsensitiveSearch | NSForcedOrderingSearch;
   if ((options & ~kOffered) == 0) return;
   raiseIn("NSInvalidArgumentException", self, selector,
-                 "options " + std::to_string(options) + " hold one that is not offered");
+          "options " + std::to_string(options) + " hold one that is not offered");
 }
 
 }  // namespace detail

@@ -2,8 +2,8 @@
 //
 //   NSThread::currentThread()->threadDictionary()->setObject(parser, "parser"_ns);
 //
-// Every thread of the process has such an object, however the thread was started; the main thread is
-// the process's first. The dictionary is for the thread itself and goes with it.
+// Every thread of the process has such an object, however the thread was started; the main thread
+// is the process's first. The dictionary is for the thread itself and goes with it.
 #pragma once
 
 #include <Brindle/Platform/NSMutableDictionary.h>

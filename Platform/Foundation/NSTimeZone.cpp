@@ -42,7 +42,8 @@ constexpr MethodDefinition kMethods[] = {
       internal::setDefaultZone(zone ? internal::zoneOf(zone) : nullptr);
     }),
 
-    method<"name">([](const NSTimeZone& self) { return NSString(internal::nameOf(rulesOf(self))); }),
+    method<"name">(
+        [](const NSTimeZone& self) { return NSString(internal::nameOf(rulesOf(self))); }),
     method<"secondsFromGMTForDate:">([](const NSTimeZone& self, const NSDate& date) -> NSInteger {
       return internal::offsetAt(rulesOf(self), instantOf(date));
     }),

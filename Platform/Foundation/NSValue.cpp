@@ -64,7 +64,8 @@ constexpr MethodDefinition kMethods[] = {
       return send<"valueWithBytes:objCType:", id>(self, static_cast<const void*>(&record),
                                                   typeEncoding<id>());
     }),
-    classMethod<"valueWithRange:">([](const Class& self, NSRange range) { return make(self, range); }),
+    classMethod<"valueWithRange:">(
+        [](const Class& self, NSRange range) { return make(self, range); }),
     method<"initWithBytes:objCType:">(
         [](const NSValue& self, Cmd cmd, const void* bytes, const char* type) -> id {
           const std::size_t size = sizeOf(type);

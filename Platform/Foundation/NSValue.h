@@ -1,5 +1,5 @@
-// A value: bytes of a C type in an object, so that they can be in collections. Immutable; may be used
-// by many threads at once. NSNumber is a value that can be calculated with.
+// A value: bytes of a C type in an object, so that they can be in collections. Immutable; may be
+// used by many threads at once. NSNumber is a value that can be calculated with.
 #pragma once
 
 #include <Brindle/Platform/NSObject.h>
@@ -15,8 +15,8 @@ class NSValue : public Interface<NSValue, NSObject> {
   template <class Self>
   class ClassSide : public NSObject::ClassSide<Self> {
    public:
-    /// Copies the bytes of a value of that type encoding: integers, floating types, pointers, NSRange
-    /// and structures of them. Raises NSInvalidArgumentException for other encodings.
+    /// Copies the bytes of a value of that type encoding: integers, floating types, pointers,
+    /// NSRange and structures of them. Raises NSInvalidArgumentException for other encodings.
     Self valueWithBytes(const void* bytes, const char* type) const {
       return send<"valueWithBytes:objCType:", Self>(*this, bytes, type);
     }
@@ -33,7 +33,9 @@ class NSValue : public Interface<NSValue, NSObject> {
   static NSValue valueWithBytes(const void* bytes, const char* type) {
     return class_()->valueWithBytes(bytes, type);
   }
-  static NSValue valueWithPointer(const void* pointer) { return class_()->valueWithPointer(pointer); }
+  static NSValue valueWithPointer(const void* pointer) {
+    return class_()->valueWithPointer(pointer);
+  }
   static NSValue valueWithNonretainedObject(const id& object) {
     return class_()->valueWithNonretainedObject(object);
   }

@@ -32,9 +32,7 @@ detail::Striped<Stripe>& stripes() {
   return all;
 }
 
-id owner(const Value& value) {
-  return value.owned ? adopt<id>(value.object) : id();
-}
+id owner(const Value& value) { return value.owned ? adopt<id>(value.object) : id(); }
 
 id take(ObjectRecord* object, const void* key) {
   Stripe& stripe = stripes().of(object);
@@ -42,8 +40,8 @@ id take(ObjectRecord* object, const void* key) {
   auto found = stripe.values.find(object);
   if (found == stripe.values.end()) return nullptr;
   auto& values = found->second;
-  auto value = std::find_if(values.begin(), values.end(),
-                            [key](const Value& v) { return v.key == key; });
+  auto value =
+      std::find_if(values.begin(), values.end(), [key](const Value& v) { return v.key == key; });
   if (value == values.end()) return nullptr;
   id old = owner(*value);
   values.erase(value);
@@ -100,8 +98,8 @@ void objc_setAssociatedObject(const id& object, const void* key, const id& value
 }
 
 id objc_getAssociatedObject(const id& object, const void* key) {
-  if (!object || (object.record()->flags.load(std::memory_order_acquire) &
-                  detail::kFlagAssociations) == 0) {
+  if (!object ||
+      (object.record()->flags.load(std::memory_order_acquire) & detail::kFlagAssociations) == 0) {
     return nullptr;
   }
   Stripe& stripe = stripes().of(object.record());

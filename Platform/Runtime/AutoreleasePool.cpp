@@ -1,8 +1,8 @@
 #include <Brindle/Platform/AutoreleasePool.h>
 
+#include <pthread.h>
 #include <algorithm>
 #include <exception>
-#include <pthread.h>
 #include <vector>
 
 namespace brindle {

@@ -8,9 +8,9 @@
 //     weakly.lock()->autorelease();   // alive to the closing brace at least
 //   }
 //
-// Pools belong to their thread and nest. Draining an outer pool takes along inner ones left above it,
-// and draining one of those afterwards does nothing. A thread without a pool has one that is drained
-// at its end; the main thread's is not, since the process ends with it.
+// Pools belong to their thread and nest. Draining an outer pool takes along inner ones left above
+// it, and draining one of those afterwards does nothing. A thread without a pool has one that is
+// drained at its end; the main thread's is not, since the process ends with it.
 #pragma once
 
 #include <cstdint>
@@ -32,8 +32,8 @@ namespace detail {
 BRINDLE_PLATFORM_EXPORT void autoreleaseOwned(ObjectRecord* record);
 }  // namespace detail
 
-/// A pool from here to the end of the scope, also when the scope is left by an exception. A raise out
-/// of a drained object's end leaves the destructor, unless another exception is on its way.
+/// A pool from here to the end of the scope, also when the scope is left by an exception. A raise
+/// out of a drained object's end leaves the destructor, unless another exception is on its way.
 class AutoreleasePool {
  public:
   BRINDLE_PLATFORM_EXPORT AutoreleasePool();

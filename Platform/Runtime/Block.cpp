@@ -14,9 +14,8 @@ namespace detail {
 namespace {
 
 // The lambda stands behind the record, at the next place that suits every alignment.
-constexpr std::size_t kLambdaOffset =
-    (sizeof(BlockRecord) + alignof(std::max_align_t) - 1) / alignof(std::max_align_t) *
-    alignof(std::max_align_t);
+constexpr std::size_t kLambdaOffset = (sizeof(BlockRecord) + alignof(std::max_align_t) - 1) /
+                                      alignof(std::max_align_t) * alignof(std::max_align_t);
 
 }  // namespace
 
@@ -67,9 +66,7 @@ constexpr MethodDefinition kMethods[] = {
     method<"copy">([](const NSBlock& self) { return self; }),
     method<"copyWithZone:">([](const NSBlock& self, NSZone*) { return self; }),
     // The same, for lambdas that take and answer nothing.
-    method<"invoke">([](const NSBlock& self) {
-      uncheckedCast<Block<void()>>(self)();
-    }),
+    method<"invoke">([](const NSBlock& self) { uncheckedCast<Block<void()>>(self)(); }),
 };
 
 // What a block record adds to an object. The lambda is destroyed with it, as fields are, so that a
@@ -81,12 +78,13 @@ struct Code {
 };
 static_assert(sizeof(detail::BlockRecord) == sizeof(ObjectRecord) + sizeof(Code));
 
-constexpr FieldsDefinition kFields{
-    sizeof(Code), alignof(Code), [](void* memory) { ::new (memory) Code{}; },
-    [](void* memory) {
-      const Code& code = *static_cast<Code*>(memory);
-      if (code.operations != nullptr) code.operations->destroy(code.lambda);
-    }};
+constexpr FieldsDefinition kFields{sizeof(Code), alignof(Code),
+                                   [](void* memory) { ::new (memory) Code{}; },
+                                   [](void* memory) {
+                                     const Code& code = *static_cast<Code*>(memory);
+                                     if (code.operations != nullptr)
+                                       code.operations->destroy(code.lambda);
+                                   }};
 
 constexpr ClassDefinition kDefinition{.name = "NSBlock", .methods = kMethods, .fields = kFields};
 

@@ -4,10 +4,10 @@
 //   Block<void(const id&)> block = [weak](const id& x) { ... };
 //   block(x);
 //
-// A `Block` is retained, stored, associated and performed like any object. An operation that takes a
-// block declares `const BlockArg<R(A...)>&`: a lambda passed there becomes a block on the caller's
-// stack, without an allocation, and whoever keeps it owns a heap copy of it. A block is as safe for
-// threads as what it captures.
+// A `Block` is retained, stored, associated and performed like any object. An operation that takes
+// a block declares `const BlockArg<R(A...)>&`: a lambda passed there becomes a block on the
+// caller's stack, without an allocation, and whoever keeps it owns a heap copy of it. A block is as
+// safe for threads as what it captures.
 #pragma once
 
 #include <cstddef>
@@ -63,14 +63,15 @@ struct BlockCode {
     if constexpr (std::is_void_v<R>) {
       lambda(Receive<A>{a}.get()...);
     } else {
-      return wireResult<R>([&lambda](auto&&... x) -> R {
-        return lambda(static_cast<decltype(x)>(x)...);
-      }, Receive<A>{a}.get()...);
+      return wireResult<R>(
+          [&lambda](auto&&... x) -> R { return lambda(static_cast<decltype(x)>(x)...); },
+          Receive<A>{a}.get()...);
     }
   }
   static constexpr auto copier() -> void (*)(void*, const void*) {
     if constexpr (std::is_copy_constructible_v<Lambda>) {
-      return [](void* to, const void* from) { ::new (to) Lambda(*static_cast<const Lambda*>(from)); };
+      return
+          [](void* to, const void* from) { ::new (to) Lambda(*static_cast<const Lambda*>(from)); };
     } else {
       return nullptr;
     }
@@ -96,7 +97,8 @@ using BlockCodeFor = BlockCode<Lambda, std::remove_cvref_t<R>, BlockParameter<A>
 
 template <class R, class... A>
 R callBlock(ObjectRecord* record, BlockParameter<A>... a) {
-  if (record == nullptr) [[unlikely]] raiseNilBlock();
+  if (record == nullptr) [[unlikely]]
+    raiseNilBlock();
   auto* block = static_cast<BlockRecord*>(record);
 #if BRINDLE_ASSERTIONS
   const char* wanted = wireTypes<R, std::remove_cvref_t<A>...>.c_str();
@@ -154,8 +156,9 @@ class Block<R(A...)> : public NSBlock {
 
   /// The lambda as a block on the heap. A copyable or a move-only lambda.
   template <class Lambda>
-    requires(!Reference<Lambda> && std::is_invocable_v<std::decay_t<Lambda>&, detail::BlockParameter<A>...>)
-  Block(Lambda&& lambda) {  // NOLINT: a lambda is a block
+  requires(!Reference<Lambda> &&
+           std::is_invocable_v<std::decay_t<Lambda>&, detail::BlockParameter<A>...>)
+      Block(Lambda&& lambda) {  // NOLINT: a lambda is a block
     using L = std::decay_t<Lambda>;
     using Code = detail::BlockCodeFor<L, R, A...>;
     static_assert(alignof(L) <= alignof(std::max_align_t));
@@ -187,16 +190,18 @@ class BlockArg<R(A...)> {
  public:
   using BlockSignature = R(A...);
 
-  BlockArg(std::nullptr_t) noexcept : record_(nullptr) {}                    // NOLINT: nil
+  BlockArg(std::nullptr_t) noexcept : record_(nullptr) {}                      // NOLINT: nil
   BlockArg(const Block<R(A...)>& block) noexcept : record_(block.record()) {}  // NOLINT
 
   template <class Lambda>
-    requires(!Reference<Lambda> && !std::is_same_v<std::decay_t<Lambda>, BlockArg> &&
-             std::is_invocable_v<std::decay_t<Lambda>&, detail::BlockParameter<A>...>)
+  requires(!Reference<Lambda> && !std::is_same_v<std::decay_t<Lambda>, BlockArg> &&
+           std::is_invocable_v<std::decay_t<Lambda>&, detail::BlockParameter<A>...>)
 #if defined(__clang__)
-  BlockArg([[clang::lifetimebound]] Lambda&& lambda) noexcept  // NOLINT: a lambda is a block
+      BlockArg([[clang::lifetimebound]] Lambda&& lambda)
+  noexcept  // NOLINT: a lambda is a block
 #else
-  BlockArg(Lambda&& lambda) noexcept  // NOLINT: a lambda is a block
+      BlockArg(Lambda&& lambda)
+  noexcept  // NOLINT: a lambda is a block
 #endif
       : stack_(detail::blockClassRecord(), detail::kCountStackBlock,
                detail::BlockCodeFor<std::decay_t<Lambda>, R, A...>::code(),

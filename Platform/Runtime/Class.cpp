@@ -110,9 +110,7 @@ bool overridesInitialize(ClassRecord* cls, IMP& imp) {
   return imp != nullptr && imp != empty;
 }
 
-void publish(ClassRecord* cls) {
-  cls->table.store(dataOf(cls)->table, std::memory_order_release);
-}
+void publish(ClassRecord* cls) { cls->table.store(dataOf(cls)->table, std::memory_order_release); }
 
 }  // namespace
 
@@ -172,7 +170,8 @@ ClassData* realizedLocked(ClassRecord* cls) {
   ClassData* super = cls->superclass != nullptr ? realizedLocked(cls->superclass) : nullptr;
   ClassData* data = newDataLocked(cls, super);
   // The root's meta-class inherits from the root class.
-  ClassData* meta = newDataLocked(cls->other, super != nullptr ? dataOf(cls->superclass->other) : data);
+  ClassData* meta =
+      newDataLocked(cls->other, super != nullptr ? dataOf(cls->superclass->other) : data);
   if (cls->definition != nullptr) {
     addDefinitionLocked(data, *cls->definition);
     addDefinitionLocked(meta, *cls->definition);
@@ -244,8 +243,8 @@ MethodRecord* resolveMissed(ClassRecord* cls, std::atomic<SEL>& slot, const char
 
 }  // namespace detail
 
-using detail::classNamedLocked;
 using detail::ClassData;
+using detail::classNamedLocked;
 using detail::realized;
 using detail::realizedLocked;
 
@@ -291,7 +290,8 @@ Class objc_allocateClassPair(Class superclass, const char* name, std::size_t ext
   ClassRecord* rootMeta = meta;
   if (super != nullptr) rootMeta = super->other->isa.load(std::memory_order_relaxed);
   ::new (cls) ClassRecord(meta, text, super, nullptr, meta, false);
-  ::new (meta) ClassRecord(rootMeta, text, super != nullptr ? super->other : cls, nullptr, cls, true);
+  ::new (meta)
+      ClassRecord(rootMeta, text, super != nullptr ? super->other : cls, nullptr, cls, true);
   ClassData* data = realizedLocked(cls);
   data->extraBytes = extraBytes;
   if (super != nullptr) cls->fieldsOffset = cls->instanceSize;

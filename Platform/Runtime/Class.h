@@ -49,7 +49,7 @@ struct ClassRecord : ObjectRecord {
   const ClassDefinition* definition;                // null for classes made at run time
   ClassRecord* other;                               // of a class its meta-class, and back
   bool isMeta;
-  std::uint32_t fieldsOffset = 0;                   // of the class's own fields, once realised
+  std::uint32_t fieldsOffset = 0;  // of the class's own fields, once realised
   std::uint32_t instanceSize = 0;
 
   constexpr ClassRecord(ClassRecord* isaRecord, const char* className, ClassRecord* super,

@@ -14,8 +14,8 @@
 //   constinit ClassPair<BDStack> BDStack::classPair{kDefinition};
 //
 // A body is a captureless lambda: the receiver first, then `Cmd` where the body wants its selector,
-// then the arguments; objects as `const T&`. The type encoding is deduced from its C++ type. The table
-// stands in an anonymous namespace, so that the code belongs to the library that defines it.
+// then the arguments; objects as `const T&`. The type encoding is deduced from its C++ type. The
+// table stands in an anonymous namespace, so that the code belongs to the library that defines it.
 #pragma once
 
 #include <cstddef>
@@ -146,7 +146,9 @@ struct MethodThunk<F, R (F::*)(Self, Cmd, A...) const> {
 };
 
 template <class F>
-concept MethodBody = std::is_class_v<F> && requires { &F::operator(); };
+concept MethodBody = std::is_class_v<F> && requires {
+  &F::operator();
+};
 
 template <FixedString Name, class F>
 constexpr MethodDefinition defineMethod(bool ofClass) {
@@ -220,21 +222,25 @@ namespace detail {
 template <class T>
 struct RootOf : RootOf<typename T::Superclass> {};
 template <class T>
-  requires std::is_same_v<typename T::Superclass, id>
+requires std::is_same_v<typename T::Superclass, id>
 struct RootOf<T> {
   using Type = T;
 };
 
 template <class T>
 constexpr ClassRecord* superclassOf() {
-  if constexpr (std::is_same_v<typename T::Superclass, id>) return nullptr;
-  else return &T::Superclass::classPair.cls;
+  if constexpr (std::is_same_v<typename T::Superclass, id>)
+    return nullptr;
+  else
+    return &T::Superclass::classPair.cls;
 }
 
 template <class T>
 constexpr ClassRecord* superMetaOf() {
-  if constexpr (std::is_same_v<typename T::Superclass, id>) return &T::classPair.cls;
-  else return &T::Superclass::classPair.meta;
+  if constexpr (std::is_same_v<typename T::Superclass, id>)
+    return &T::classPair.cls;
+  else
+    return &T::Superclass::classPair.meta;
 }
 
 /// Stops the program: a method of `cls` reached for its fields in an object that has none of them.

@@ -102,8 +102,10 @@ std::size_t tablePagesLocked() { return tablePages; }
 
 DispatchPage** newTableLocked(const ClassData* superclass) {
   auto** table = new DispatchPage*[tablePages];
-  if (superclass != nullptr) std::copy_n(superclass->table, tablePages, table);
-  else std::fill_n(table, tablePages, &emptyPage);
+  if (superclass != nullptr)
+    std::copy_n(superclass->table, tablePages, table);
+  else
+    std::fill_n(table, tablePages, &emptyPage);
   return table;
 }
 

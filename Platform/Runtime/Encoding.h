@@ -4,7 +4,8 @@
 // size of all arguments, then each argument with its offset. A structure that is passed by value
 // names its fields once:
 //
-//   template <> struct brindle::StructEncoding<NSRange> : FieldsEncoding<"_NSRange", NSUInteger, NSUInteger> {};
+//   template <> struct brindle::StructEncoding<NSRange> : FieldsEncoding<"_NSRange", NSUInteger,
+//   NSUInteger> {};
 //
 // Beside the encoding stands the wire type, in which a value really travels between a sender and a
 // method: every object is one kind of pointer, every integer the fixed-width type of its size.
@@ -34,7 +35,9 @@ struct TypeTraits;
 
 // A pointee may be a type that is only declared, and of such a type nothing can be asked.
 template <class T>
-concept CompleteClass = std::is_class_v<T> && requires { sizeof(T); };
+concept CompleteClass = std::is_class_v<T> && requires {
+  sizeof(T);
+};
 
 template <class T>
 concept DescribedStruct = CompleteClass<T> && !Reference<T> && requires {
@@ -66,24 +69,31 @@ struct WireInteger<8> {
 
 template <class T>
 constexpr auto integerEncoding() {
-  if constexpr (std::is_same_v<T, bool> || std::is_same_v<T, char> || std::is_same_v<T, signed char>) {
+  if constexpr (std::is_same_v<T, bool> || std::is_same_v<T, char> ||
+                std::is_same_v<T, signed char>) {
     return FixedString("c");
   } else if constexpr (sizeof(T) == 1) {
     return FixedString("C");
   } else if constexpr (sizeof(T) == 2) {
-    if constexpr (std::is_signed_v<T>) return FixedString("s");
-    else return FixedString("S");
+    if constexpr (std::is_signed_v<T>)
+      return FixedString("s");
+    else
+      return FixedString("S");
   } else if constexpr (sizeof(T) == 4) {
-    if constexpr (std::is_signed_v<T>) return FixedString("i");
-    else return FixedString("I");
+    if constexpr (std::is_signed_v<T>)
+      return FixedString("i");
+    else
+      return FixedString("I");
   } else {
-    if constexpr (std::is_signed_v<T>) return FixedString("q");
-    else return FixedString("Q");
+    if constexpr (std::is_signed_v<T>)
+      return FixedString("q");
+    else
+      return FixedString("Q");
   }
 }
 
 template <class T>
-  requires std::is_integral_v<T>
+requires std::is_integral_v<T>
 struct TypeTraits<T> {
   using Wire = typename WireInteger<sizeof(T)>::Type;
   static constexpr auto encoding = integerEncoding<T>();
@@ -92,8 +102,9 @@ struct TypeTraits<T> {
 };
 
 template <class T>
-  requires std::is_enum_v<T>
-struct TypeTraits<T> : TypeTraits<std::underlying_type_t<T>> {};
+requires std::is_enum_v<T>
+struct TypeTraits<T> : TypeTraits<std::underlying_type_t<T>> {
+};
 
 template <>
 struct TypeTraits<void> {
@@ -131,15 +142,17 @@ template <Reference T>
 struct TypeTraits<T> {
   using Wire = ObjectRecord*;
   static constexpr auto encoding = [] {
-    if constexpr (requires { typename T::BlockSignature; }) return FixedString("@?");
-    else return FixedString("@");
+    if constexpr (requires { typename T::BlockSignature; })
+      return FixedString("@?");
+    else
+      return FixedString("@");
   }();
   static constexpr FixedString wireCode{"@"};
   static constexpr std::size_t frameSize = 8;
 };
 
 template <class T>
-  requires std::derived_from<T, Class>
+requires std::derived_from<T, Class>
 struct TypeTraits<T> {
   using Wire = ObjectRecord*;
   static constexpr FixedString encoding{"#"};
@@ -158,13 +171,16 @@ struct TypeTraits<std::nullptr_t> {
 template <class T>
 concept ReferencePointee = CompleteClass<T> && Reference<T>;
 
-/// What an out-slot points to. A pointer to constant references is a plain one: objects lent in a row.
+/// What an out-slot points to. A pointer to constant references is a plain one: objects lent in a
+/// row.
 template <class T>
 concept SlotPointee = ReferencePointee<T> && !std::is_const_v<T>;
 
 /// The typed tail of a variadic message. It travels by address and has no place in encodings.
 template <class T>
-concept VariadicTail = requires { typename T::VariadicTailTag; };
+concept VariadicTail = requires {
+  typename T::VariadicTailTag;
+};
 
 template <VariadicTail T>
 struct TypeTraits<T> {
@@ -180,13 +196,17 @@ constexpr auto pointerEncoding() {
   if constexpr (std::is_same_v<Pointee, SelectorRecord>) {
     return FixedString(":");
   } else if constexpr (std::is_same_v<Pointee, char>) {
-    if constexpr (std::is_const_v<T>) return FixedString("r*");
-    else return FixedString("*");
+    if constexpr (std::is_const_v<T>)
+      return FixedString("r*");
+    else
+      return FixedString("*");
   } else if constexpr (std::is_function_v<T>) {
     return FixedString("^?");
   } else if constexpr (ReferencePointee<Pointee>) {
-    if constexpr (std::is_const_v<T>) return FixedString("r^@");
-    else return FixedString("^@");
+    if constexpr (std::is_const_v<T>)
+      return FixedString("r^@");
+    else
+      return FixedString("^@");
   } else if constexpr (std::is_class_v<Pointee> && !DescribedStruct<Pointee>) {
     return FixedString("^v");
   } else if constexpr (std::is_const_v<T>) {
@@ -197,8 +217,7 @@ constexpr auto pointerEncoding() {
 }
 
 template <class T>
-  requires(!SlotPointee<T>)
-struct TypeTraits<T*> {
+requires(!SlotPointee<T>) struct TypeTraits<T*> {
   using Wire = void*;
   static constexpr auto encoding = pointerEncoding<T>();
   static constexpr FixedString wireCode{"p"};
@@ -207,8 +226,7 @@ struct TypeTraits<T*> {
 
 /// An out-slot: where a method stores an object for its caller.
 template <class T>
-  requires(SlotPointee<T>)
-struct TypeTraits<T*> {
+requires(SlotPointee<T>) struct TypeTraits<T*> {
   using Wire = ObjectRecord**;
   static constexpr FixedString encoding{"^@"};
   static constexpr FixedString wireCode{"&"};
@@ -241,8 +259,10 @@ inline constexpr auto encodingOf = TypeTraits<std::remove_cvref_t<T>>::encoding;
 
 template <class A, std::size_t Offset>
 constexpr auto argumentEncoding() {
-  if constexpr (VariadicTail<std::remove_cvref_t<A>>) return FixedString<0>{};
-  else return encodingOf<A> + decimal<Offset>();
+  if constexpr (VariadicTail<std::remove_cvref_t<A>>)
+    return FixedString<0>{};
+  else
+    return encodingOf<A> + decimal<Offset>();
 }
 
 /// Where an argument lies in the frame, counted as the platform counts.
@@ -261,8 +281,10 @@ constexpr auto methodEncoding() {
   constexpr std::size_t first = IsBlock ? 8 : 16;
   constexpr std::size_t frame = (first + ... + TypeTraits<std::remove_cvref_t<A>>::frameSize);
   auto head = [] {
-    if constexpr (IsBlock) return encodingOf<R> + decimal<frame>() + FixedString("@?0");
-    else return encodingOf<R> + decimal<frame>() + FixedString("@0:8");
+    if constexpr (IsBlock)
+      return encodingOf<R> + decimal<frame>() + FixedString("@?0");
+    else
+      return encodingOf<R> + decimal<frame>() + FixedString("@0:8");
   }();
   return [&]<std::size_t... I>(std::index_sequence<I...>) {
     return (head + ... + argumentEncoding<A, frameOffset<first, A...>(I)>());
@@ -278,23 +300,23 @@ BRINDLE_LOCAL inline constexpr auto blockTypes = methodEncoding<true, R, A...>()
 
 /// The wire codes of result and arguments: what a checked send compares.
 template <class R, class... A>
-BRINDLE_LOCAL inline constexpr auto wireTypes =
-    (TypeTraits<std::remove_cvref_t<R>>::wireCode + ... +
-     TypeTraits<std::remove_cvref_t<A>>::wireCode);
+BRINDLE_LOCAL inline constexpr auto wireTypes = (TypeTraits<std::remove_cvref_t<R>>::wireCode +
+                                                 ... +
+                                                 TypeTraits<std::remove_cvref_t<A>>::wireCode);
 
 }  // namespace detail
 
 /// The encoding and wire form of a structure with these fields, in order.
 template <FixedString Name, class... Fields>
 struct FieldsEncoding {
-  static constexpr auto encoding =
-      ((FixedString("{") + Name + FixedString("=")) + ... + detail::encodingOf<Fields>) +
-      FixedString("}");
+  static constexpr auto encoding = ((FixedString("{") + Name + FixedString("=")) + ... +
+                                    detail::encodingOf<Fields>)+FixedString("}");
   static constexpr auto wireCode =
       (FixedString("{") + ... + detail::TypeTraits<Fields>::wireCode) + FixedString("}");
 };
 
-/// The platform's encoding of a C++ type: `typeEncoding<int>()` is "i". As `@encode` on the platform.
+/// The platform's encoding of a C++ type: `typeEncoding<int>()` is "i". As `@encode` on the
+/// platform.
 template <class T>
 constexpr const char* typeEncoding() {
   return detail::encodingOf<T>.c_str();

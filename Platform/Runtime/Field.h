@@ -1,7 +1,7 @@
 // A variable of an object that holds another object.
 //
-// A method that uses a field in place may cause that very field to be replaced, and the object in it
-// to be deallocated while it still runs. So a `Field` lends an owned copy whenever it is used:
+// A method that uses a field in place may cause that very field to be replaced, and the object in
+// it to be deallocated while it still runs. So a `Field` lends an owned copy whenever it is used:
 // `fields(self).child->poke()` is safe whatever `poke` does to `child`.
 #pragma once
 

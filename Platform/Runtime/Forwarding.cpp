@@ -130,9 +130,8 @@ void resend(const id& target, SEL selector, const char* wire, void** arguments, 
     return;
   }
   if (!sameWire(wire, data->wire.c_str())) {
-    raise("NSInvalidArgumentException", std::string("the target of a forwarded ") +
-                                            selector->name + " has other types (" + data->types +
-                                            ")");
+    raise("NSInvalidArgumentException", std::string("the target of a forwarded ") + selector->name +
+                                            " has other types (" + data->types + ")");
   }
   std::vector<void*> frame(data->arguments.size());
   ObjectRecord* record = target.record();
@@ -188,9 +187,9 @@ void closureEntry(ffi_cif*, void* result, void** arguments, void* user) {
   }
   if (data.result.size == 0) return;
   // Small integers travel as whole words; the room is zeroed behind the value.
-  std::memcpy(result, room, std::max(data.result.size, integerSize(data.result.wire) > 0
-                                                           ? sizeof(ffi_arg)
-                                                           : data.result.size));
+  std::memcpy(result, room,
+              std::max(data.result.size,
+                       integerSize(data.result.wire) > 0 ? sizeof(ffi_arg) : data.result.size));
 }
 
 }  // namespace
@@ -198,10 +197,10 @@ void closureEntry(ffi_cif*, void* result, void** arguments, void* user) {
 void raiseUnrecognized(const ClassRecord& cls, SEL selector, const void* receiver) {
   std::array<char, 32> address{};
   std::snprintf(address.data(), address.size(), "%p", receiver);
-  raise("NSInvalidArgumentException",
-        std::string(cls.isMeta ? "+[" : "-[") + cls.name + " " + sel_getName(selector) +
-            "]: unrecognized selector sent to " + (cls.isMeta ? "class " : "instance ") +
-            address.data());
+  raise("NSInvalidArgumentException", std::string(cls.isMeta ? "+[" : "-[") + cls.name + " " +
+                                          sel_getName(selector) +
+                                          "]: unrecognized selector sent to " +
+                                          (cls.isMeta ? "class " : "instance ") + address.data());
 }
 
 void sendFrame(ObjectRecord* target, SEL selector, SignatureData& data, void** arguments,

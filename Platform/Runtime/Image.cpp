@@ -40,7 +40,8 @@ void attachMethodsLocked(ClassData* data, const CategoryDefinition& category, bo
 
 void attachLocked(const CategoryDefinition& category) {
   if (category.version != kDefinitionVersion) {
-    std::fprintf(stderr, "brindle: category %s was built for layout %u of definitions, this is %u\n",
+    std::fprintf(stderr,
+                 "brindle: category %s was built for layout %u of definitions, this is %u\n",
                  category.name, category.version, kDefinitionVersion);
     std::abort();
   }

@@ -61,10 +61,9 @@ bool hasFieldsOf(const ObjectRecord* object, const ClassRecord* cls) {
 
 void stopForForeignFields(ObjectRecord* object, const ClassRecord* cls) {
   const ClassRecord* found = object != nullptr ? object->isa.load() : nullptr;
-  std::fprintf(stderr,
-               "brindle: a method of %s reached for its fields in %s %s, which has none of them\n",
-               cls->name, found != nullptr ? "an instance of" : "nil,",
-               found != nullptr ? found->name : "");
+  std::fprintf(
+      stderr, "brindle: a method of %s reached for its fields in %s %s, which has none of them\n",
+      cls->name, found != nullptr ? "an instance of" : "nil,", found != nullptr ? found->name : "");
   std::abort();
 }
 

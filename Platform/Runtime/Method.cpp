@@ -58,7 +58,8 @@ BOOL class_addMethod(Class cls, SEL selector, IMP implementation, const char* ty
   ClassData* data = realizedLocked(cls.record());
   if (data->ownMethods.contains(selector)) return NO;
   const char* text = types != nullptr ? detail::internedLocked(types) : nullptr;
-  detail::addMethodLocked(data, selector, implementation, text, wireFor(implementation, text), true);
+  detail::addMethodLocked(data, selector, implementation, text, wireFor(implementation, text),
+                          true);
   detail::noteChangeLocked(data);
   return YES;
 }
@@ -77,7 +78,8 @@ IMP class_replaceMethod(Class cls, SEL selector, IMP implementation, const char*
   }
   MethodRecord* method = own->second;
   const IMP previous = method->implementation.load();
-  detail::storeImplementation(method, implementation, wireFor(implementation, method->types.load()));
+  detail::storeImplementation(method, implementation,
+                              wireFor(implementation, method->types.load()));
   noteChangeLocked(method);
   return previous;
 }
@@ -102,7 +104,8 @@ IMP method_setImplementation(Method method, IMP implementation) {
   if (method == nullptr) return nullptr;
   const std::lock_guard guard(detail::runtimeLock());
   const IMP previous = method->implementation.load();
-  detail::storeImplementation(method, implementation, wireFor(implementation, method->types.load()));
+  detail::storeImplementation(method, implementation,
+                              wireFor(implementation, method->types.load()));
   noteChangeLocked(method);
   return previous;
 }

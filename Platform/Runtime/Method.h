@@ -17,11 +17,11 @@ namespace brindle {
 /// One method of one class. Its address is stable for the life of the process.
 struct MethodRecord {
   SEL name;
-  std::atomic<IMP> implementation;   // null counts as missing
-  std::atomic<const char*> types;    // the method's encoding
-  std::atomic<const char*> wire;     // wire codes of the implementation; null while it changes
+  std::atomic<IMP> implementation;  // null counts as missing
+  std::atomic<const char*> types;   // the method's encoding
+  std::atomic<const char*> wire;    // wire codes of the implementation; null while it changes
   std::atomic<ObjectRecord*> signature{nullptr};  // the signature object made from `types`
-  ClassRecord* owner;                // the class or meta-class that defines it
+  ClassRecord* owner;                             // the class or meta-class that defines it
 
   constexpr MethodRecord(SEL selector, IMP imp, const char* encoding, const char* wireCodes,
                          ClassRecord* definingClass) noexcept
@@ -49,8 +49,8 @@ BRINDLE_PLATFORM_EXPORT MethodRecord* resolveMissed(ClassRecord* cls, std::atomi
                                                     const char* name);
 
 /// Hands an unanswered message to the receiver's forwarding operations. `arguments` point to the
-/// wire values in order, `wire` is the sender's wire codes. The result is written to `result` in the
-/// sender's wire type (an object owned); a result of another type is converted or zero.
+/// wire values in order, `wire` is the sender's wire codes. The result is written to `result` in
+/// the sender's wire type (an object owned); a result of another type is converted or zero.
 BRINDLE_PLATFORM_EXPORT void forwardMessage(ObjectRecord* receiver, SEL selector, const char* wire,
                                             void** arguments, void* result);
 

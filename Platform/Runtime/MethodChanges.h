@@ -1,10 +1,11 @@
 // Has anybody changed a class's methods?
 //
-// Code that knows a shorter way to what a chain of messages would do asks first whether a client could
-// tell the difference: whether one of the methods on the way was added to, replaced or exchanged.
+// Code that knows a shorter way to what a chain of messages would do asks first whether a client
+// could tell the difference: whether one of the methods on the way was added to, replaced or
+// exchanged.
 //
-//   static MethodWatch watch{NSDate::class_(), NSCalendar::class_()};   // made while the program starts
-//   if (watch.unchanged()) ...   // one load while no class of the process changes
+//   static MethodWatch watch{NSDate::class_(), NSCalendar::class_()};   // made while the program
+//   starts if (watch.unchanged()) ...   // one load while no class of the process changes
 #pragma once
 
 #include <atomic>
@@ -21,8 +22,8 @@ namespace detail {
 BRINDLE_PLATFORM_EXPORT extern std::atomic<std::uint64_t> methodEpoch;
 }  // namespace detail
 
-/// How many times methods of the class itself (its meta-class apart) were added, replaced or exchanged
-/// after its definition was attached; a category counts too. 0 for nil.
+/// How many times methods of the class itself (its meta-class apart) were added, replaced or
+/// exchanged after its definition was attached; a category counts too. 0 for nil.
 BRINDLE_PLATFORM_EXPORT std::uint32_t class_getMethodChanges(Class cls);
 
 /// Watches the methods of some classes, class operations included, from its making on.
@@ -34,7 +35,8 @@ class MethodWatch {
   [[nodiscard]] bool unchanged() noexcept {
     const std::uint64_t epoch = detail::methodEpoch.load(std::memory_order_acquire);
     const std::uint64_t known = answer_.load(std::memory_order_relaxed);
-    if (known >> 1U == epoch) [[likely]] return (known & 1U) != 0;
+    if (known >> 1U == epoch) [[likely]]
+      return (known & 1U) != 0;
     const bool now = changes() == first_;
     answer_.store(epoch << 1U | (now ? 1U : 0U), std::memory_order_relaxed);
     return now;

@@ -1,5 +1,6 @@
-// Per-object recursive monitors. A monitor exists while somebody is inside or waits; two objects never
-// share one, since recursive locks that are shared and taken in opposite orders wait for ever.
+// Per-object recursive monitors. A monitor exists while somebody is inside or waits; two objects
+// never share one, since recursive locks that are shared and taken in opposite orders wait for
+// ever.
 #include <Brindle/Platform/Runtime.h>
 
 #include <mutex>
@@ -13,9 +14,9 @@ namespace {
 
 struct Monitor {
   std::recursive_mutex mutex;
-  std::size_t users = 0;             // inside or waiting; under the stripe's lock
-  std::thread::id owner;             // under the stripe's lock
-  std::size_t entered = 0;           // by the owner; under the stripe's lock
+  std::size_t users = 0;    // inside or waiting; under the stripe's lock
+  std::thread::id owner;    // under the stripe's lock
+  std::size_t entered = 0;  // by the owner; under the stripe's lock
 };
 
 struct Stripe {

@@ -74,9 +74,9 @@ Fields& fields(const NSInvocation& self) { return fieldsOf<Fields>(self); }
 
 void checkIndex(const Fields& f, NSUInteger index) {
   if (index < f.data().arguments.size()) return;
-  detail::raise("NSInvalidArgumentException",
-                "argument index " + std::to_string(index) + " beyond the last, " +
-                    std::to_string(f.data().arguments.size() - 1));
+  detail::raise("NSInvalidArgumentException", "argument index " + std::to_string(index) +
+                                                  " beyond the last, " +
+                                                  std::to_string(f.data().arguments.size() - 1));
 }
 
 bool isText(const std::string& encoding) {
@@ -201,7 +201,8 @@ constexpr MethodDefinition kMethods[] = {
       f.kept = std::make_unique<Kept[]>(f.data().arguments.size());
       for (std::size_t i = 0; i < f.data().arguments.size(); ++i) keepArgument(f, i);
     }),
-    method<"argumentsRetained">([](const NSInvocation& self) { return fields(self).kept != nullptr; }),
+    method<"argumentsRetained">(
+        [](const NSInvocation& self) { return fields(self).kept != nullptr; }),
     method<"invoke">([](const NSInvocation& self) { invoke(self); }),
     method<"invokeWithTarget:">([](const NSInvocation& self, const id& target) {
       self->setTarget(target);

@@ -8,8 +8,8 @@
 //   id object = call->result<id>();
 //
 // Arguments are numbered from 0: the receiver, the selector, then the message's own. Objects among
-// them are borrowed until `retainArguments`; an object result belongs to the invocation. One thread at
-// a time.
+// them are borrowed until `retainArguments`; an object result belongs to the invocation. One thread
+// at a time.
 #pragma once
 
 #include <cstring>
@@ -88,8 +88,10 @@ class NSInvocation : public Interface<NSInvocation, NSObject> {
  private:
   template <class T>
   static T lent(detail::Wire<T> wire) {
-    if constexpr (Reference<T>) return borrow<T>(wire);
-    else return detail::fromWire<T>(wire);
+    if constexpr (Reference<T>)
+      return borrow<T>(wire);
+    else
+      return detail::fromWire<T>(wire);
   }
 };
 

@@ -27,9 +27,9 @@ constexpr MethodDefinition kMethods[] = {
         [](const NSMethodSignature& self, NSUInteger index) -> const char* {
           const auto& arguments = dataOf(self).arguments;
           if (index >= arguments.size()) {
-            detail::raise("NSInvalidArgumentException",
-                          "argument index " + std::to_string(index) + " beyond the last, " +
-                              std::to_string(arguments.size() - 1));
+            detail::raise("NSInvalidArgumentException", "argument index " + std::to_string(index) +
+                                                            " beyond the last, " +
+                                                            std::to_string(arguments.size() - 1));
           }
           return arguments[index].encoding.c_str();
         }),

@@ -22,8 +22,8 @@ class NSMethodSignature : public Interface<NSMethodSignature, NSObject> {
 
   /// Receiver and selector included.
   NSUInteger numberOfArguments() const { return send<"numberOfArguments", NSUInteger>(*this); }
-  /// The encoding of one argument, qualifiers included, without offset. Raises NSInvalidArgumentException when the index
-  /// is too large. 0 is the receiver, 1 the selector.
+  /// The encoding of one argument, qualifiers included, without offset. Raises
+  /// NSInvalidArgumentException when the index is too large. 0 is the receiver, 1 the selector.
   const char* getArgumentTypeAtIndex(NSUInteger index) const {
     return send<"getArgumentTypeAtIndex:", const char*>(*this, index);
   }

@@ -52,14 +52,12 @@ constexpr MethodDefinition kMethods[] = {
     classMethod<"allocWithZone:">([](const Class& self, NSZone*) -> id {
       return adopt<id>(detail::createInstance(self.record(), 0));
     }),
-    classMethod<"new">([](const Class& self) -> id {
-      return send<"init", id>(send<"alloc", id>(self));
-    }),
+    classMethod<"new">(
+        [](const Class& self) -> id { return send<"init", id>(send<"alloc", id>(self)); }),
     method<"init">([](const NSObject& self) -> id { return self; }),
     method<"dealloc">([](const NSObject& self) { detail::disposeObject(self.record()); }),
-    method<"copy">([](const NSObject& self) -> id {
-      return copyWith(self, selector<"copyWithZone:">());
-    }),
+    method<"copy">(
+        [](const NSObject& self) -> id { return copyWith(self, selector<"copyWithZone:">()); }),
     method<"mutableCopy">([](const NSObject& self) -> id {
       return copyWith(self, selector<"mutableCopyWithZone:">());
     }),
@@ -92,18 +90,16 @@ constexpr MethodDefinition kMethods[] = {
     }),
     method<"class">([](const NSObject& self) -> Class { return object_getClass(self); }),
     classMethod<"class">([](const Class& self) -> Class { return self; }),
-    method<"superclass">([](const NSObject& self) -> Class {
-      return class_getSuperclass(object_getClass(self));
-    }),
+    method<"superclass">(
+        [](const NSObject& self) -> Class { return class_getSuperclass(object_getClass(self)); }),
     classMethod<"superclass">([](const Class& self) -> Class { return class_getSuperclass(self); }),
     method<"isKindOfClass:">([](const NSObject& self, Class cls) {
       return cls && inherits(classRecordOf(self), cls.record());
     }),
     method<"isMemberOfClass:">(
         [](const NSObject& self, Class cls) { return cls && object_getClass(self) == cls; }),
-    classMethod<"isSubclassOfClass:">([](const Class& self, Class cls) {
-      return cls && inherits(self.record(), cls.record());
-    }),
+    classMethod<"isSubclassOfClass:">(
+        [](const Class& self, Class cls) { return cls && inherits(self.record(), cls.record()); }),
     method<"conformsToProtocol:">([](const NSObject& self, const Protocol& protocol) {
       return adopts(object_getClass(self), protocol);
     }),
@@ -128,9 +124,8 @@ constexpr MethodDefinition kMethods[] = {
         [](const Class& self, SEL s) -> NSMethodSignature { return signatureFor(self, s); }),
     method<"performSelector:">(
         [](const NSObject& self, SEL s) -> id { return detail::perform(self, s); }),
-    method<"performSelector:withObject:">([](const NSObject& self, SEL s, const id& a) -> id {
-      return detail::perform(self, s, a);
-    }),
+    method<"performSelector:withObject:">(
+        [](const NSObject& self, SEL s, const id& a) -> id { return detail::perform(self, s, a); }),
     method<"performSelector:withObject:withObject:">(
         [](const NSObject& self, SEL s, const id& a, const id& b) -> id {
           return detail::perform(self, s, a, b);
@@ -158,8 +153,8 @@ constexpr ClassDefinition kProtocolDefinition{.name = "Protocol"};
 constinit ClassPair<Protocol> Protocol::classPair{kProtocolDefinition};
 
 void detail::raiseBadCast(const id& object, const ClassRecord* wanted) {
-  raise("NSInvalidArgumentException", std::string("cast to ") + wanted->name + " of an object of class " +
-                                          classRecordOf(object)->name);
+  raise("NSInvalidArgumentException", std::string("cast to ") + wanted->name +
+                                          " of an object of class " + classRecordOf(object)->name);
 }
 
 }  // namespace brindle

@@ -4,8 +4,8 @@
 //   NSObject object = NSObject::alloc()->init();
 //   if (isa<NSString>(object)) ...
 //
-// Every operation here may be called on any thread; an object's own methods are as safe as its class
-// says. Objects are retained and released by their references; nobody sends `retain`.
+// Every operation here may be called on any thread; an object's own methods are as safe as its
+// class says. Objects are retained and released by their references; nobody sends `retain`.
 #pragma once
 
 #include <functional>
@@ -38,7 +38,9 @@ class NSObject : public Interface<NSObject, id> {
     /// Nil for a root class.
     Class superclass() const { return send<"superclass", Class>(*this); }
     /// Whether the receiver is `other` or inherits from it.
-    bool isSubclassOfClass(Class other) const { return send<"isSubclassOfClass:", bool>(*this, other); }
+    bool isSubclassOfClass(Class other) const {
+      return send<"isSubclassOfClass:", bool>(*this, other);
+    }
     /// Whether instances of the receiver answer the selector.
     bool instancesRespondToSelector(SEL s) const {
       return send<"instancesRespondToSelector:", bool>(*this, s);
@@ -119,9 +121,7 @@ struct NSObjectHash {
   std::size_t operator()(const id& object) const { return send<"hash", NSUInteger>(object); }
 };
 struct NSObjectEqual {
-  bool operator()(const id& a, const id& b) const {
-    return a == b || send<"isEqual:", bool>(a, b);
-  }
+  bool operator()(const id& a, const id& b) const { return a == b || send<"isEqual:", bool>(a, b); }
 };
 
 }  // namespace brindle

@@ -47,9 +47,8 @@ constexpr MethodDefinition kMethods[] = {
     }),
 
     method<"dealloc">([](const NSProxy& self) { detail::disposeObject(self.record()); }),
-    method<"retain">([](const NSProxy& self) -> id {
-      return borrow<id>(detail::retained(self.record()));
-    }),
+    method<"retain">(
+        [](const NSProxy& self) -> id { return borrow<id>(detail::retained(self.record())); }),
     method<"release">([](const NSProxy& self) { detail::release(self.record()); }),
     method<"autorelease">([](const NSProxy& self) -> id {
       ObjectRecord* owned = detail::retained(self.record());
@@ -67,21 +66,18 @@ constexpr MethodDefinition kMethods[] = {
       return reinterpret_cast<std::uintptr_t>(self.record()) >> 4U;  // NOLINT
     }),
     method<"class">([](const NSProxy& self) -> Class { return object_getClass(self); }),
-    method<"superclass">([](const NSProxy& self) -> Class {
-      return class_getSuperclass(object_getClass(self));
-    }),
+    method<"superclass">(
+        [](const NSProxy& self) -> Class { return class_getSuperclass(object_getClass(self)); }),
     method<"performSelector:">(
         [](const NSProxy& self, SEL s) -> id { return detail::perform(self, s); }),
-    method<"performSelector:withObject:">([](const NSProxy& self, SEL s, const id& a) -> id {
-      return detail::perform(self, s, a);
-    }),
+    method<"performSelector:withObject:">(
+        [](const NSProxy& self, SEL s, const id& a) -> id { return detail::perform(self, s, a); }),
     method<"performSelector:withObject:withObject:">(
         [](const NSProxy& self, SEL s, const id& a, const id& b) -> id {
           return detail::perform(self, s, a, b);
         }),
-    method<"methodSignatureForSelector:">([](const NSProxy& self, SEL s) -> NSMethodSignature {
-      raiseUnforwarded(self, s);
-    }),
+    method<"methodSignatureForSelector:">(
+        [](const NSProxy& self, SEL s) -> NSMethodSignature { raiseUnforwarded(self, s); }),
     method<"forwardInvocation:">([](const NSProxy& self, const NSInvocation& invocation) {
       raiseUnforwarded(self, invocation->selector());
     }),

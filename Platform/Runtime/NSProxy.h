@@ -1,11 +1,11 @@
 // NSProxy: the root of objects that stand for others.
 //
 // A proxy answers itself what concerns memory and identity (`retain`, `release`, `autorelease`,
-// `retainCount`, `self`, `class`, `superclass`, `isProxy`, `zone`, `hash`, `isEqual:`, `description`,
-// `debugDescription`, `performSelector:` and its like, `dealloc`) and forwards everything else,
-// `isKindOfClass:`, `respondsToSelector:` and `conformsToProtocol:` included. NSObject's categories
-// are not on it, and it has no `init`. A subclass overrides `methodSignatureForSelector:` and
-// `forwardInvocation:`, which raise here.
+// `retainCount`, `self`, `class`, `superclass`, `isProxy`, `zone`, `hash`, `isEqual:`,
+// `description`, `debugDescription`, `performSelector:` and its like, `dealloc`) and forwards
+// everything else, `isKindOfClass:`, `respondsToSelector:` and `conformsToProtocol:` included.
+// NSObject's categories are not on it, and it has no `init`. A subclass overrides
+// `methodSignatureForSelector:` and `forwardInvocation:`, which raise here.
 #pragma once
 
 #include <Brindle/Platform/NSInvocation.h>

@@ -233,7 +233,7 @@ Class object_setClass(const id& object, Class cls) {
 BOOL object_isClass(const id& object) {
   if (!object) return NO;
   return (object.record()->flags.load(std::memory_order_relaxed) & detail::kFlagClass) != 0 ? YES
-                                                                                           : NO;
+                                                                                            : NO;
 }
 
 void* object_getIndexedIvars(const id& object) {

@@ -28,7 +28,8 @@ class NSString;
 class Protocol;
 
 /// The head of every object. `flags` holds eight flags and, above them, the number of the class
-/// that the object was born with: its fields are destroyed by that class whatever its class is then.
+/// that the object was born with: its fields are destroyed by that class whatever its class is
+/// then.
 struct ObjectRecord {
   std::atomic<ClassRecord*> isa;
   std::atomic<std::uint32_t> count;
@@ -60,7 +61,8 @@ inline constexpr unsigned kBirthShift = 8;
 /// answered as a heap copy, owned).
 BRINDLE_PLATFORM_EXPORT ObjectRecord* retainSpecial(ObjectRecord* record);
 
-/// The last owner is gone: clears weak references, sends `dealloc`, frees. Passes on what it raises.
+/// The last owner is gone: clears weak references, sends `dealloc`, frees. Passes on what it
+/// raises.
 BRINDLE_PLATFORM_EXPORT void endObject(ObjectRecord* record);
 
 /// The same from a destructor: inside another object's end a raise is kept until that object is
@@ -79,26 +81,29 @@ inline ObjectRecord* retained(ObjectRecord* record) {
 
 /// One owner less; true when it was the last.
 inline bool dropCount(ObjectRecord* record) noexcept {
-  if (record->count.load(std::memory_order_relaxed) >= kCountImmortal) [[unlikely]] return false;
+  if (record->count.load(std::memory_order_relaxed) >= kCountImmortal) [[unlikely]]
+    return false;
   return record->count.fetch_sub(1, std::memory_order_acq_rel) == 1;
 }
 
 /// One owner less. Raises what the object's end raises.
 inline void release(ObjectRecord* record) {
-  if (record != nullptr && dropCount(record)) [[unlikely]] endObject(record);
+  if (record != nullptr && dropCount(record)) [[unlikely]]
+    endObject(record);
 }
 
 inline void releaseInDestructor(ObjectRecord* record) noexcept {
-  if (record != nullptr && dropCount(record)) [[unlikely]] endObjectInDestructor(record);
+  if (record != nullptr && dropCount(record)) [[unlikely]]
+    endObjectInDestructor(record);
 }
 
 }  // namespace detail
 
 /// A reference to any object, or nil. Owns the object while it refers to it.
 ///
-/// Assigning releases the previous object last, so a raise out of its end leaves the assignment with
-/// the new object in place; a raise out of the end of an object whose last reference is destroyed at
-/// a closing brace ends the program (destructors cannot raise).
+/// Assigning releases the previous object last, so a raise out of its end leaves the assignment
+/// with the new object in place; a raise out of the end of an object whose last reference is
+/// destroyed at a closing brace ends the program (destructors cannot raise).
 class id {
  public:
   constexpr id() noexcept = default;

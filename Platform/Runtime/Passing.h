@@ -42,8 +42,7 @@ class Passed {
 };
 
 template <class T>
-  requires(SlotPointee<T>)
-class Passed<T*> {
+requires(SlotPointee<T>) class Passed<T*> {
  public:
   explicit Passed(T* slot) noexcept : slot_(slot), raw_(slot != nullptr ? slot->leak() : nullptr) {}
   Passed(const Passed&) = delete;
@@ -88,8 +87,10 @@ class Receive {
   explicit Receive(Wire<T> wire) noexcept : wire_(wire) {}
 
   decltype(auto) get() noexcept {
-    if constexpr (VariadicTail<T>) return *static_cast<const T*>(wire_);
-    else return fromWire<T>(wire_);
+    if constexpr (VariadicTail<T>)
+      return *static_cast<const T*>(wire_);
+    else
+      return fromWire<T>(wire_);
   }
 
  private:
@@ -97,8 +98,7 @@ class Receive {
 };
 
 template <class P>
-  requires(Reference<P>)
-class Receive<P> {
+requires(Reference<P>) class Receive<P> {
   using T = std::remove_cvref_t<P>;
   static_assert(std::is_lvalue_reference_v<P> && std::is_const_v<std::remove_reference_t<P>>,
                 "a method and a block take objects as `const T&`: they are lent for the call, not "
@@ -113,9 +113,8 @@ class Receive<P> {
 };
 
 template <class P>
-  requires(std::is_pointer_v<std::remove_cvref_t<P>> &&
-           SlotPointee<std::remove_pointer_t<std::remove_cvref_t<P>>>)
-class Receive<P> {
+requires(std::is_pointer_v<std::remove_cvref_t<P>>&&
+             SlotPointee<std::remove_pointer_t<std::remove_cvref_t<P>>>) class Receive<P> {
   using T = std::remove_pointer_t<std::remove_cvref_t<P>>;
 
  public:

@@ -1,7 +1,7 @@
 // Protocols: named promises that a class can adopt and be asked about.
 //
-// A protocol is a constant with a C++ name of its own, listed in the `protocols` of the classes that
-// adopt it:
+// A protocol is a constant with a C++ name of its own, listed in the `protocols` of the classes
+// that adopt it:
 //
 //   extern ProtocolRecord kDrawing;                 // header
 //   constinit ProtocolRecord kDrawing{"Drawing"};   // source

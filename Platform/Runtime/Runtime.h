@@ -1,9 +1,10 @@
 // The runtime's plain functions: reading and changing classes while the program runs.
 //
-// Names and meanings are the platform's; they live in this namespace with C++ linkage, so that another
-// object runtime in the same process keeps its own. All are safe on any thread, each by itself; a
-// sequence of them is not one step. A null class, selector or name gives null, NO or nothing. Lists
-// named `copy` are answered as vectors. Strings, methods, classes and selectors live for ever.
+// Names and meanings are the platform's; they live in this namespace with C++ linkage, so that
+// another object runtime in the same process keeps its own. All are safe on any thread, each by
+// itself; a sequence of them is not one step. A null class, selector or name gives null, NO or
+// nothing. Lists named `copy` are answered as vectors. Strings, methods, classes and selectors live
+// for ever.
 #pragma once
 
 #include <cstddef>
@@ -39,8 +40,8 @@ BRINDLE_PLATFORM_EXPORT Class objc_allocateClassPair(Class superclass, const cha
                                                      std::size_t extraBytes);
 /// Makes the class findable by name. A name taken meanwhile keeps its first owner.
 BRINDLE_PLATFORM_EXPORT void objc_registerClassPair(Class cls);
-/// Adds a zeroed variable of `size` bytes, aligned to 2 to the power of `alignment`, to a class that
-/// is not registered yet. NO when it is, when it has subclasses or the name already, or for a
+/// Adds a zeroed variable of `size` bytes, aligned to 2 to the power of `alignment`, to a class
+/// that is not registered yet. NO when it is, when it has subclasses or the name already, or for a
 /// meta-class.
 BRINDLE_PLATFORM_EXPORT BOOL class_addIvar(Class cls, const char* name, std::size_t size,
                                            std::uint8_t alignment, const char* types);
@@ -113,8 +114,8 @@ BRINDLE_PLATFORM_EXPORT const char* property_getAttributes(objc_property_t prope
 BRINDLE_PLATFORM_EXPORT id class_createInstance(Class cls, std::size_t extraBytes);
 /// The object's class as it is now; a class's meta-class. Nil for nil.
 BRINDLE_PLATFORM_EXPORT Class object_getClass(const id& object);
-/// Changes the object's class and answers the previous one. Its variables stay those of the class it
-/// was born with, and are destroyed as such.
+/// Changes the object's class and answers the previous one. Its variables stay those of the class
+/// it was born with, and are destroyed as such.
 BRINDLE_PLATFORM_EXPORT Class object_setClass(const id& object, Class cls);
 /// Whether the object is a class.
 BRINDLE_PLATFORM_EXPORT BOOL object_isClass(const id& object);
@@ -148,8 +149,8 @@ BRINDLE_PLATFORM_EXPORT void objc_removeAssociatedObjects(const id& object);
 inline constexpr int OBJC_SYNC_SUCCESS = 0;
 inline constexpr int OBJC_SYNC_NOT_OWNING_THREAD_ERROR = -1;
 
-/// Enters the object's own recursive monitor, waiting while another thread is inside. The object must
-/// stay alive until it is left. Nil does nothing. Answers OBJC_SYNC_SUCCESS.
+/// Enters the object's own recursive monitor, waiting while another thread is inside. The object
+/// must stay alive until it is left. Nil does nothing. Answers OBJC_SYNC_SUCCESS.
 BRINDLE_PLATFORM_EXPORT int objc_sync_enter(const id& object);
 /// Leaves it. OBJC_SYNC_NOT_OWNING_THREAD_ERROR when this thread is not inside.
 BRINDLE_PLATFORM_EXPORT int objc_sync_exit(const id& object);
@@ -157,7 +158,9 @@ BRINDLE_PLATFORM_EXPORT int objc_sync_exit(const id& object);
 /// Inside the object's monitor from here to the end of the scope.
 class Synchronized {
  public:
-  explicit Synchronized(id object) : object_(static_cast<id&&>(object)) { objc_sync_enter(object_); }
+  explicit Synchronized(id object) : object_(static_cast<id&&>(object)) {
+    objc_sync_enter(object_);
+  }
   ~Synchronized() { objc_sync_exit(object_); }
   Synchronized(const Synchronized&) = delete;
   Synchronized& operator=(const Synchronized&) = delete;

@@ -5,8 +5,8 @@
 //
 // A send looks the selector up in the receiver's class while the program runs and calls what it
 // finds. Nil answers zero or nil. A message that nobody answers goes to `forwardInvocation:`, which
-// raises unless the receiver forwards it. Arguments must have the method's own types: with assertions
-// on, a send whose types differ from the method's stops the program with both encodings.
+// raises unless the receiver forwards it. Arguments must have the method's own types: with
+// assertions on, a send whose types differ from the method's stops the program with both encodings.
 #pragma once
 
 #include <atomic>
@@ -82,9 +82,9 @@ template <class R, class... A>
 
 template <FixedString Name, class R, class... A>
 inline R sendFrom(ClassRecord* cls, ObjectRecord* object, const A&... a) {
-  static_assert(colonsOf(Name.view()) ==
-                    (std::size_t{0} + ... + (VariadicTail<std::decay_t<A>> ? 0U : 1U)),
-                "a selector has one colon for each argument");
+  static_assert(
+      colonsOf(Name.view()) == (std::size_t{0} + ... + (VariadicTail<std::decay_t<A>> ? 0U : 1U)),
+      "a selector has one colon for each argument");
   SEL sel = selectorSlot<Name>.load(std::memory_order_acquire);
   MethodRecord* method = findMethod(cls, sel);
   IMP imp = method->implementation.load(std::memory_order_acquire);
@@ -101,7 +101,8 @@ inline R sendFrom(ClassRecord* cls, ObjectRecord* object, const A&... a) {
 template <FixedString Name, class R = void, detail::Receiver T, class... A>
 inline R send(const T& receiver, const A&... a) {
   ObjectRecord* object = receiver.record();
-  if (object == nullptr) [[unlikely]] return detail::nilResult<R>();
+  if (object == nullptr) [[unlikely]]
+    return detail::nilResult<R>();
   return detail::sendFrom<Name, R>(object->isa.load(std::memory_order_acquire), object, a...);
 }
 
@@ -111,15 +112,19 @@ inline R send(const T& receiver, const A&... a) {
 template <class Current, FixedString Name, class R = void, detail::Receiver T, class... A>
 inline R sendSuper(const T& self, const A&... a) {
   ObjectRecord* object = self.record();
-  if (object == nullptr) [[unlikely]] return detail::nilResult<R>();
+  if (object == nullptr) [[unlikely]]
+    return detail::nilResult<R>();
   ClassRecord* super;
-  if constexpr (Reference<T>) super = Current::classPair.cls.superclass;
-  else super = Current::classPair.meta.superclass;
+  if constexpr (Reference<T>)
+    super = Current::classPair.cls.superclass;
+  else
+    super = Current::classPair.meta.superclass;
   return detail::sendFrom<Name, R>(super, object, a...);
 }
 
 /// Sends a message whose selector is known only while the program runs.
-/// Counts and types of the arguments are the caller's to match; with assertions on they are checked.
+/// Counts and types of the arguments are the caller's to match; with assertions on they are
+/// checked.
 template <class R = void, detail::Receiver T, class... A>
 R sendSelector(const T& receiver, SEL selector, const A&... a) {
   ObjectRecord* object = receiver.record();

@@ -61,23 +61,56 @@ class EncodingReader {
   bool readOne(TypeData& type, int depth) {
     if (depth > kMaximalDepth) return false;
     switch (*p_++) {
-      case 'v': set(type, "v", 0, 0, &ffi_type_void); return true;
-      case 'c': case 'C': case 'B': set(type, "b", 1, 4, &ffi_type_uint8); return true;
-      case 's': case 'S': set(type, "s", 2, 4, &ffi_type_uint16); return true;
-      case 'i': case 'I': case 'l': case 'L': set(type, "i", 4, 4, &ffi_type_uint32); return true;
-      case 'q': case 'Q': set(type, "q", 8, 8, &ffi_type_uint64); return true;
-      case 'f': set(type, "f", 4, 4, &ffi_type_float); return true;
-      case 'd': set(type, "d", 8, 8, &ffi_type_double); return true;
-      case 'D': set(type, "D", 16, 16, &ffi_type_longdouble); return true;
+      case 'v':
+        set(type, "v", 0, 0, &ffi_type_void);
+        return true;
+      case 'c':
+      case 'C':
+      case 'B':
+        set(type, "b", 1, 4, &ffi_type_uint8);
+        return true;
+      case 's':
+      case 'S':
+        set(type, "s", 2, 4, &ffi_type_uint16);
+        return true;
+      case 'i':
+      case 'I':
+      case 'l':
+      case 'L':
+        set(type, "i", 4, 4, &ffi_type_uint32);
+        return true;
+      case 'q':
+      case 'Q':
+        set(type, "q", 8, 8, &ffi_type_uint64);
+        return true;
+      case 'f':
+        set(type, "f", 4, 4, &ffi_type_float);
+        return true;
+      case 'd':
+        set(type, "d", 8, 8, &ffi_type_double);
+        return true;
+      case 'D':
+        set(type, "D", 16, 16, &ffi_type_longdouble);
+        return true;
       case '@':
         set(type, "@", 8, 8, &ffi_type_pointer);
         if (*p_ == '?') ++p_;
         return skipQuoted();
-      case '#': set(type, "@", 8, 8, &ffi_type_pointer); return true;
-      case ':': case '*': case '?': set(type, "p", 8, 8, &ffi_type_pointer); return true;
-      case '^': return readPointer(type, depth);
-      case '{': return readStruct(type, depth);
-      default: --p_; return false;
+      case '#':
+        set(type, "@", 8, 8, &ffi_type_pointer);
+        return true;
+      case ':':
+      case '*':
+      case '?':
+        set(type, "p", 8, 8, &ffi_type_pointer);
+        return true;
+      case '^':
+        return readPointer(type, depth);
+      case '{':
+        return readStruct(type, depth);
+      default:
+        --p_;
+        return false;
     }
   }
 
@@ -254,8 +287,10 @@ SignatureData* signatureData(const char* types) {
 }
 
 void callWithFrame(SignatureData& data, IMP imp, void** arguments, void* result) {
-  if (data.direct != nullptr) data.direct(imp, arguments, result);
-  else ffi_call(&data.cif, imp, result, arguments);
+  if (data.direct != nullptr)
+    data.direct(imp, arguments, result);
+  else
+    ffi_call(&data.cif, imp, result, arguments);
 }
 
 }  // namespace brindle::detail

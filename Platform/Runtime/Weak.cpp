@@ -36,7 +36,8 @@ bool ended(const ObjectRecord* record) {
 bool tryRetain(ObjectRecord* record) {
   std::uint32_t count = record->count.load(std::memory_order_acquire);
   while (count != 0 && count < kCountNearLimit) {
-    if (record->count.compare_exchange_weak(count, count + 1, std::memory_order_acq_rel)) return true;
+    if (record->count.compare_exchange_weak(count, count + 1, std::memory_order_acq_rel))
+      return true;
   }
   return count >= kCountImmortal;
 }

@@ -28,7 +28,7 @@ template <Reference T>
 class Weak {
  public:
   Weak() noexcept = default;
-  Weak(std::nullptr_t) noexcept {}  // NOLINT: nil is nullptr
+  Weak(std::nullptr_t) noexcept {}                                       // NOLINT: nil is nullptr
   Weak(const T& object) : cell_(detail::weakCellOf(object.record())) {}  // NOLINT: meant to convert
   Weak(const Weak& other) noexcept : cell_(detail::retainWeakCell(other.cell_)) {}
   Weak(Weak&& other) noexcept : cell_(other.cell_) { other.cell_ = nullptr; }

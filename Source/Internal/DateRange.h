@@ -8,7 +8,8 @@ namespace brindle::internal {
 // BDDateRangeCalculation.cpp
 NSDate roundedAnchor(const BDDateRange& range);
 NSDate addToDate(std::int64_t count, BDTimeUnit unit, const NSDate& date);
-id calculateDateRange(const BDDateRange& range, const Block<id(const NSDate&, const NSDate&)>& block);
+id calculateDateRange(const BDDateRange& range,
+                      const Block<id(const NSDate&, const NSDate&)>& block);
 NSDate startOfDateRange(const BDDateRange& range);
 NSDate endOfDateRange(const BDDateRange& range);
 /// Remembers the methods that the dates are worked out by. Called once, when the library is loaded.

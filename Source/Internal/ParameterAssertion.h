@@ -1,13 +1,13 @@
-// Preconditions on parameters. A violation goes to the current thread's assertion handler, which raises
-// unless it is a client's own; then the operation goes on.
+// Preconditions on parameters. A violation goes to the current thread's assertion handler, which
+// raises unless it is a client's own; then the operation goes on.
 #pragma once
 
 #include <Brindle/Platform/NSAssertionHandler.h>
 
 namespace brindle::internal {
 
-/// Where an assertion stands and what it says. File and line are part of the text that clients see, so
-/// they are constants, the same in every build, and do not move with the code.
+/// Where an assertion stands and what it says. File and line are part of the text that clients see,
+/// so they are constants, the same in every build, and do not move with the code.
 struct ParameterAssertion {
   NSString file;  // "Source/BDErrorAdditions"
   NSInteger line;
@@ -19,8 +19,8 @@ inline void assertParameter(bool holds, const ParameterAssertion& assertion, SEL
                             const id& receiver) {
   if (holds) return;
   NSAssertionHandler::currentHandler()->handleFailureInMethod(
-      selector, receiver, assertion.file, assertion.line,
-      "Invalid parameter not satisfying: %s"_ns, assertion.condition);
+      selector, receiver, assertion.file, assertion.line, "Invalid parameter not satisfying: %s"_ns,
+      assertion.condition);
 }
 
 }  // namespace brindle::internal

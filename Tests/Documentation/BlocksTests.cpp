@@ -32,8 +32,8 @@ TEST(BlocksGuide, ABlockIsAnObject) {
   Block<NSString(NSInteger)> label = [milk](NSInteger number) -> NSString {  // keeps `milk`
     return NSString::stringWithFormat("%ld. %@"_ns, number, milk->title());
   };
-  const NSString text = label(3);            // 3. milk
-  const id object = label;                   // retained, stored, associated like any object
+  const NSString text = label(3);  // 3. milk
+  const id object = label;         // retained, stored, associated like any object
   label = nullptr;
   // [end]
   EXPECT_EQ(std::string(text), "3. milk");
@@ -49,9 +49,9 @@ TEST(BlocksGuide, AKeptBlockDoesNotKeepItsKeeper) {
   list->setChangeHandler([&seen, weak = Weak<TaskList>(list)] {
     if (const TaskList strong = weak.lock()) seen = strong->count();
   });
-  list->addTask(Task::taskWithTitle("butter"_ns));   // seen is 3
+  list->addTask(Task::taskWithTitle("butter"_ns));  // seen is 3
   const Weak<TaskList> watch = list;
-  list = nullptr;                                    // the list goes, and its block with it
+  list = nullptr;  // the list goes, and its block with it
   const bool isGone = watch.lock() == nullptr;
   // [end]
   EXPECT_EQ(seen, 3U);

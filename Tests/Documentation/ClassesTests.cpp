@@ -18,12 +18,12 @@ TEST(ClassesGuide, AClassAndASubclass) {
   // [example: class-use]
   const Task task = Task::taskWithTitle("buy milk"_ns);
   task->setDone(true);
-  const NSString line = task->line();                    // [x] buy milk
+  const NSString line = task->line();  // [x] buy milk
 
   const UrgentTask urgent = UrgentTask::alloc()->initWithLevel(3);
   urgent->setTitle("call home"_ns);
-  const Task any = urgent;                               // a subclass is a C++ subclass
-  const NSString urgentLine = any->line();               // [ ] call home (urgency 3)
+  const Task any = urgent;                  // a subclass is a C++ subclass
+  const NSString urgentLine = any->line();  // [ ] call home (urgency 3)
   const UrgentTask made = UrgentTask::class_()->taskWithTitle("rest"_ns);  // an UrgentTask
   // [end]
   EXPECT_EQ(std::string(line), "[x] buy milk");
@@ -34,9 +34,9 @@ TEST(ClassesGuide, AClassAndASubclass) {
 
 TEST(ClassesGuide, ACategory) {
   // [example: category-use]
-  const NSUInteger words = wordCount("buy milk and bread"_ns);          // 4
-  const NSUInteger none = wordCount(nullptr);                           // 0
-  const NSString text = repeated(NSString::class_(), "ho"_ns, 3);       // ho ho ho
+  const NSUInteger words = wordCount("buy milk and bread"_ns);     // 4
+  const NSUInteger none = wordCount(nullptr);                      // 0
+  const NSString text = repeated(NSString::class_(), "ho"_ns, 3);  // ho ho ho
   // [end]
   EXPECT_EQ(words, 4U);
   EXPECT_EQ(none, 0U);
@@ -46,11 +46,11 @@ TEST(ClassesGuide, ACategory) {
 TEST(ClassesGuide, Sends) {
   const Task task = Task::taskWithTitle("buy milk"_ns);
   // [example: sends]
-  const NSString title = task->title();                       // the typed sender of the header
-  const NSString again = send<"title", NSString>(task);       // what that sender does
-  send<"setTitle:">(task, "buy bread"_ns);                    // void unless told otherwise
+  const NSString title = task->title();                  // the typed sender of the header
+  const NSString again = send<"title", NSString>(task);  // what that sender does
+  send<"setTitle:">(task, "buy bread"_ns);               // void unless told otherwise
   const SEL name = sel_registerName("line");
-  const NSString line = sendSelector<NSString>(task, name);   // a name known only at run time
+  const NSString line = sendSelector<NSString>(task, name);  // a name known only at run time
   const id performed = task->performSelector(selector<"line">());
   const Task other = send<"taskWithTitle:", Task>(Task::class_(), "rest"_ns);  // to the class
   // [end]

@@ -131,8 +131,8 @@ TEST(ForwardingGuide, AnObjectThatAnswersEverything) {
   // [example: forwarding-use]
   const Record record = Record::new_();
   send<"setColour:">(record, "red"_ns);
-  const NSString colour = send<"colour", NSString>(record);   // red
-  const NSString size = send<"size", NSString>(record);       // nil: never set
+  const NSString colour = send<"colour", NSString>(record);  // red
+  const NSString size = send<"size", NSString>(record);      // nil: never set
   // [end]
   EXPECT_EQ(std::string(colour), "red");
   EXPECT_FALSE(size);
@@ -143,11 +143,11 @@ TEST(ForwardingGuide, AnObjectThatAnswersEverything) {
 TEST(ForwardingGuide, AProxy) {
   // [example: proxy-use]
   const Listener listener = Listener::listenerFor(Task::taskWithTitle("rest"_ns));
-  const Task task = uncheckedCast<Task>(listener);   // it will do for a task
+  const Task task = uncheckedCast<Task>(listener);  // it will do for a task
   task->setDone(true);
-  const NSString line = task->line();                // [x] rest
-  const bool passes = isa<Task>(task);               // true: the target is asked
-  const NSString heard = listener->heard();          // setDone: line isKindOfClass:
+  const NSString line = task->line();        // [x] rest
+  const bool passes = isa<Task>(task);       // true: the target is asked
+  const NSString heard = listener->heard();  // setDone: line isKindOfClass:
   // [end]
   EXPECT_EQ(std::string(line), "[x] rest");
   EXPECT_TRUE(passes);
@@ -158,7 +158,7 @@ TEST(ForwardingGuide, AnotherReceiver) {
   // [example: forwarding-target-use]
   const HelpedTask task = HelpedTask::new_();
   task->setTitle("rest"_ns);
-  const NSUInteger length = send<"length", NSUInteger>(task);   // of the title: 4
+  const NSUInteger length = send<"length", NSUInteger>(task);  // of the title: 4
   // [end]
   EXPECT_EQ(length, 4U);
 }
@@ -170,7 +170,7 @@ TEST(ForwardingGuide, AMessageAsAnObject) {
   const NSInvocation call =
       NSInvocation::invocationWithMethodSignature(urgent->methodSignatureForSelector(name));
   call->setSelector(name);
-  call->setArgument(2, NSInteger{3});   // its own arguments begin at 2
+  call->setArgument(2, NSInteger{3});  // its own arguments begin at 2
   call->invokeWithTarget(urgent);
   const UrgentTask same = call->result<UrgentTask>();
   // [end]
@@ -184,7 +184,7 @@ TEST(ForwardingGuide, NobodyAnswers) {
   try {
     send<"fly">(Task::new_());
   } catch (const std::exception& raised) {
-    caught = raised.what();   // ends in: -[Task fly]: unrecognized selector sent to instance 0x...
+    caught = raised.what();  // ends in: -[Task fly]: unrecognized selector sent to instance 0x...
   }
   // [end]
   EXPECT_NE(caught.find("-[Task fly]: unrecognized selector sent to instance 0x"), caught.npos)

@@ -22,8 +22,8 @@ TEST(ReferencesGuide, ReferencesOwn) {
   std::vector<Task> tasks = {same, Task::new_()};  // containers own what is in them
   const Weak<Task> weak = same;                    // does not own
   same = nullptr;
-  tasks.clear();                                   // the last owner: the object is gone
-  const Task gone = weak.lock();                   // nil
+  tasks.clear();                  // the last owner: the object is gone
+  const Task gone = weak.lock();  // nil
   // [end]
   EXPECT_FALSE(gone);
   EXPECT_FALSE(milk);
@@ -31,11 +31,11 @@ TEST(ReferencesGuide, ReferencesOwn) {
 
 TEST(ReferencesGuide, NilPassesThrough) {
   // [example: nil]
-  Task none;                                   // a reference is nil by default
-  const NSString line = none->line();          // nil
+  Task none;                                         // a reference is nil by default
+  const NSString line = none->line();                // nil
   const NSUInteger length = none->line()->length();  // 0
-  none->setDone(true);                         // nothing happens
-  if (none) none->line();                      // asks whether there is an object
+  none->setDone(true);                               // nothing happens
+  if (none) none->line();                            // asks whether there is an object
   const bool isNil = none == nullptr;
   // [end]
   EXPECT_FALSE(line);
@@ -47,9 +47,9 @@ TEST(ReferencesGuide, NarrowingHasThreeVerbs) {
   // [example: narrowing]
   const id something = UrgentTask::alloc()->initWithLevel(2);  // wider needs nothing
 
-  const bool isTask = isa<Task>(something);                   // asks
-  const NSString text = dynCast<NSString>(something);         // nil: it is no string
-  const UrgentTask urgent = cast<UrgentTask>(something);      // checked: raises when it is none
+  const bool isTask = isa<Task>(something);               // asks
+  const NSString text = dynCast<NSString>(something);     // nil: it is no string
+  const UrgentTask urgent = cast<UrgentTask>(something);  // checked: raises when it is none
   if (const Task task = dynCast<Task>(something)) task->setDone(true);
   // [end]
   EXPECT_TRUE(isTask);
@@ -63,13 +63,13 @@ TEST(ReferencesGuide, EqualityAndText) {
   // [example: equality]
   const NSString a = NSString::stringWithFormat("%@ %d"_ns, word, 1);
   const NSString b = "milk 1"_ns;
-  const bool sameObject = a == b;          // identity: false
-  const bool sameText = a->isEqual(b);     // contents: true
+  const bool sameObject = a == b;       // identity: false
+  const bool sameText = a->isEqual(b);  // contents: true
 
   std::unordered_set<id, NSObjectHash, NSObjectEqual> words = {a, b};  // one member
 
   std::ostringstream out;
-  out << b;                                // any object: its description
+  out << b;  // any object: its description
   const std::string utf8(b);
   // [end]
   EXPECT_FALSE(sameObject);
@@ -86,7 +86,7 @@ TEST(ReferencesGuide, AutoreleasePools) {
     weak = Task::new_()->autorelease();  // kept by the pool alone
     weak.lock()->setDone(true);          // still there
   }
-  const Task gone = weak.lock();         // nil: the pool is drained
+  const Task gone = weak.lock();  // nil: the pool is drained
   // [end]
   EXPECT_FALSE(gone);
 }

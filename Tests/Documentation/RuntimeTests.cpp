@@ -17,7 +17,9 @@ namespace {
 // [example: association]
 const char kNoteKey = 0;  // its address is the key
 
-NSString note(const Task& task) { return cast<NSString>(objc_getAssociatedObject(task, &kNoteKey)); }
+NSString note(const Task& task) {
+  return cast<NSString>(objc_getAssociatedObject(task, &kNoteKey));
+}
 void setNote(const Task& task, const NSString& text) {
   objc_setAssociatedObject(task, &kNoteKey, text, OBJC_ASSOCIATION_COPY);
 }
@@ -37,7 +39,7 @@ TEST(RuntimeGuide, Monitors) {
   // [example: monitor]
   const auto addStars = [task] {
     for (int i = 0; i < 100; ++i) {
-      const Synchronized inside(task);   // recursive; until the closing brace
+      const Synchronized inside(task);  // recursive; until the closing brace
       task->setTitle(task->title()->stringByAppendingString("*"_ns));
     }
   };
@@ -85,9 +87,9 @@ namespace {
 TEST(RuntimeGuide, LoadAndInitialize) {
   static constexpr ClassRecord* kClasses[] = {&Leaf::classPair.cls, &Base::classPair.cls};
   // [example: starting-order]
-  attachImage({.classes = kClasses});   // load Base, load Leaf: superclasses first
-  const Leaf leaf = Leaf::new_();       // initialize Base, initialize Leaf (inherited)
-  const Leaf another = Leaf::new_();    // nothing: once for each class
+  attachImage({.classes = kClasses});  // load Base, load Leaf: superclasses first
+  const Leaf leaf = Leaf::new_();      // initialize Base, initialize Leaf (inherited)
+  const Leaf another = Leaf::new_();   // nothing: once for each class
   // [end]
   EXPECT_EQ(started, (std::vector<std::string>{"load Base", "load Leaf", "initialize Base",
                                                "initialize Leaf"}));
@@ -95,7 +97,7 @@ TEST(RuntimeGuide, LoadAndInitialize) {
 
 TEST(RuntimeGuide, ClassesByName) {
   // [example: by-name]
-  const Class cls = objc_getClass("UrgentTask");          // nil when there is none
+  const Class cls = objc_getClass("UrgentTask");  // nil when there is none
   const Task task = ClassOf<Task>(cls)->taskWithTitle("call home"_ns);
   const bool isUrgent = task->isMemberOfClass(UrgentTask::class_());
   // [end]
@@ -104,11 +106,11 @@ TEST(RuntimeGuide, ClassesByName) {
 
 // [example: fields]
 struct Fields {
-  Field<NSString> name;          // owned: an object
-  Field<id> anything;            // owned: any object
-  Weak<Task> parent;             // not owned
-  std::vector<Task> children;    // owned, in a C++ container
-  double weight = 1.5;           // a C++ value, with its default
+  Field<NSString> name;        // owned: an object
+  Field<id> anything;          // owned: any object
+  Weak<Task> parent;           // not owned
+  std::vector<Task> children;  // owned, in a C++ container
+  double weight = 1.5;         // a C++ value, with its default
 };
 // [end]
 
@@ -116,8 +118,8 @@ TEST(RuntimeGuide, FieldsHoldWhatCppHolds) {
   Fields fields;
   fields.name = "box"_ns;
   // [example: field-use]
-  const NSUInteger length = fields.name->length();   // the name lives until the call is done
-  const NSString name = fields.name;                 // an owned copy
+  const NSUInteger length = fields.name->length();  // the name lives until the call is done
+  const NSString name = fields.name;                // an owned copy
   fields.name = nullptr;
   // [end]
   EXPECT_EQ(length, 3U);

@@ -136,7 +136,7 @@ TEST(StyleGuide, LettingGo) {
   // [example: style-end]
   Task task = Task::new_();
   const Weak<Task> weak = task;
-  task = nullptr;                          // now, if it is to end now
+  task = nullptr;  // now, if it is to end now
   const bool isGone = weak.lock() == nullptr;
   // [end]
   EXPECT_TRUE(isGone);

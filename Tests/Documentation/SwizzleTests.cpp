@@ -47,8 +47,8 @@ TEST(SwizzleGuide, AClassSideSwizzle) {
   // [example: swizzle-class-side]
   // A class operation is a method of the meta-class.
   const Class meta = object_getClass(Task::class_());
-  const TypedImplementation counting = implementation(
-      [](const ClassOf<Task>& self, Cmd cmd, const NSString& title) -> Task {
+  const TypedImplementation counting =
+      implementation([](const ClassOf<Task>& self, Cmd cmd, const NSString& title) -> Task {
         ++made;
         return callImplementation<Task>(previous, self, cmd.selector, title);
       });
@@ -83,16 +83,15 @@ TEST(SwizzleGuide, ExchangedImplementations) {
 TEST(SwizzleGuide, AClassMadeWhileTheProgramRuns) {
   // [example: class-pair]
   const Class calm = objc_allocateClassPair(Task::class_(), "CalmTask", 0);
-  const TypedImplementation softly = implementation([](const Task& self) -> NSString {
-    return self->title()->lowercaseString();
-  });
+  const TypedImplementation softly =
+      implementation([](const Task& self) -> NSString { return self->title()->lowercaseString(); });
   class_addMethod(calm, selector<"line">(), softly.implementation, softly.types);
   objc_registerClassPair(calm);
 
   const Task task = ClassOf<Task>(calm)->taskWithTitle("Rest"_ns);
-  const NSString line = task->line();                       // rest
-  object_setClass(task, Task::class_());                    // an object may change its class
-  const NSString plain = task->line();                      // [ ] Rest
+  const NSString line = task->line();     // rest
+  object_setClass(task, Task::class_());  // an object may change its class
+  const NSString plain = task->line();    // [ ] Rest
   // [end]
   EXPECT_EQ(std::string(line), "rest");
   EXPECT_EQ(std::string(plain), "[ ] Rest");

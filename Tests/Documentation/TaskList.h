@@ -18,9 +18,7 @@ class TaskList : public Interface<TaskList, NSObject> {
   /// Owns the task; tells the change handler. Ignores nil.
   void addTask(const Task& task) const { send<"addTask:">(*this, task); }
   /// Runs the block for each task that is in the list now.
-  void eachTask(const BlockArg<void(const Task&)>& block) const {
-    send<"eachTask:">(*this, block);
-  }
+  void eachTask(const BlockArg<void(const Task&)>& block) const { send<"eachTask:">(*this, block); }
   /// Keeps the block, to be run after each change; nil for none. A block that uses the list takes a
   /// `Weak<TaskList>` along: with an owning reference neither would ever go.
   void setChangeHandler(const BlockArg<void()>& block) const {

@@ -28,7 +28,8 @@ constexpr int kMonday = 2;
 
 BDDateRange rangeOf(const NSDate& anchor, BDTimeUnit anchorUnit, std::int64_t offset,
                     BDTimeUnit offsetUnit, std::int64_t length, BDTimeUnit lengthUnit) {
-  return BDDateRange::dateRangeWithAnchor(anchor, anchorUnit, offset, offsetUnit, length, lengthUnit);
+  return BDDateRange::dateRangeWithAnchor(anchor, anchorUnit, offset, offsetUnit, length,
+                                          lengthUnit);
 }
 
 std::string anchored(const NSDate& anchor, BDTimeUnit unit) {
@@ -78,10 +79,10 @@ TEST(BDDateRangeCalculation, AnAnchorIsRoundedDownToItsUnit) {
     const char* expected;
   } cases[] = {
       {dateOf(2024, 5, 15, 23, 59), kDay, "2024-05-15"},
-      {dateOf(2024, 5, 12, 8), kWeek, "2024-05-12"},   // the first weekday itself
-      {dateOf(2024, 5, 11), kWeek, "2024-05-05"},      // one before it: six days back
-      {dateOf(2024, 5, 1), kWeek, "2024-04-28"},       // into the previous month
-      {dateOf(2024, 1, 2), kWeek, "2023-12-31"},       // and year
+      {dateOf(2024, 5, 12, 8), kWeek, "2024-05-12"},  // the first weekday itself
+      {dateOf(2024, 5, 11), kWeek, "2024-05-05"},     // one before it: six days back
+      {dateOf(2024, 5, 1), kWeek, "2024-04-28"},      // into the previous month
+      {dateOf(2024, 1, 2), kWeek, "2023-12-31"},      // and year
       {dateOf(2024, 2, 29), kMonth, "2024-02-01"},
       {dateOf(2024, 3, 31), kQuarter, "2024-01-01"},
       {dateOf(2024, 10, 1), kQuarter, "2024-10-01"},
@@ -138,9 +139,7 @@ TEST(BDDateRangeCalculation, AnInvalidAnchorUnitRaises) {
         raisedBy([&] { range->start(); }),
         raisedBy([&] { range->end(); }),
         raisedBy([&] { range->interval(); }),
-        raisedBy([&] {
-          range->calculate([](const NSDate& a, const NSDate&) -> id { return a; });
-        }),
+        raisedBy([&] { range->calculate([](const NSDate& a, const NSDate&) -> id { return a; }); }),
     };
     for (const NSException& exception : raised) {
       ASSERT_TRUE(exception);
@@ -192,9 +191,9 @@ TEST(BDDateRangeCalculation, TheFloorTestsTheYearBeforeMonthsAreCarried) {
   // Many months back leave the year field as it is: no floor.
   const NSDate carried = BDDateRange::new_()->add(-12 * 3000, kMonth, dateOf(2024, 5, 15));
   EXPECT_EQ(fieldsOfDate(carried).substr(0, 11), "-976-05-15 ");
-  EXPECT_EQ(BDDateRange::new_()->add(-2025, kYear, dateOf(2024, 5, 15))
-                ->timeIntervalSinceReferenceDate(),
-            -63148464000.0);
+  EXPECT_EQ(
+      BDDateRange::new_()->add(-2025, kYear, dateOf(2024, 5, 15))->timeIntervalSinceReferenceDate(),
+      -63148464000.0);
   EXPECT_EQ(fieldsOfDate(BDDateRange::new_()->add(-2024, kYear, dateOf(2024, 5, 15))).substr(0, 10),
             "0000-05-15");
 }

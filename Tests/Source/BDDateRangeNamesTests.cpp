@@ -31,18 +31,12 @@ constexpr BDTimeUnit kQuarter = BDTimeUnitQuarter;
 constexpr BDTimeUnit kYear = BDTimeUnitYear;
 
 constexpr Row kRows[] = {
-    {0, kDay, -100000, kYear, 200000, kYear},
-    {16, kWeek, 0, kWeek, 1, kWeek},
-    {17, kMonth, 0, kMonth, 1, kMonth},
-    {18, kQuarter, 0, kQuarter, 1, kQuarter},
-    {19, kYear, 0, kYear, 1, kYear},
-    {32, kWeek, -1, kWeek, 1, kWeek},
-    {33, kMonth, -1, kMonth, 1, kMonth},
-    {34, kQuarter, -1, kQuarter, 1, kQuarter},
-    {35, kYear, -1, kYear, 1, kYear},
-    {48, kDay, -1, kWeek, 1, kWeek},
-    {49, kDay, -1, kMonth, 1, kMonth},
-    {50, kDay, -1, kQuarter, 1, kQuarter},
+    {0, kDay, -100000, kYear, 200000, kYear}, {16, kWeek, 0, kWeek, 1, kWeek},
+    {17, kMonth, 0, kMonth, 1, kMonth},       {18, kQuarter, 0, kQuarter, 1, kQuarter},
+    {19, kYear, 0, kYear, 1, kYear},          {32, kWeek, -1, kWeek, 1, kWeek},
+    {33, kMonth, -1, kMonth, 1, kMonth},      {34, kQuarter, -1, kQuarter, 1, kQuarter},
+    {35, kYear, -1, kYear, 1, kYear},         {48, kDay, -1, kWeek, 1, kWeek},
+    {49, kDay, -1, kMonth, 1, kMonth},        {50, kDay, -1, kQuarter, 1, kQuarter},
     {51, kDay, -1, kYear, 1, kYear},
 };
 
@@ -111,9 +105,7 @@ TEST(BDDateRangeNames, ARangeWithAnAnchorHasNoName) {
 
 TEST(BDDateRangeNames, NearlyARowIsNoRow) {
   for (const Row& row : kRows) {
-    const auto make = [&row] {
-      return BDDateRange::dateRangeWithNamedRange(named(row.value));
-    };
+    const auto make = [&row] { return BDDateRange::dateRangeWithNamedRange(named(row.value)); };
     BDDateRange range = make();
     range->setOffset(row.offset + (std::int64_t{1} << 32));  // the same low half
     EXPECT_EQ(BDDateRange::namedRangeFrom(range), BDNamedRangeNone);
@@ -131,11 +123,11 @@ TEST(BDDateRangeNames, NearlyARowIsNoRow) {
 }
 
 TEST(BDDateRangeNames, PastAndLastWeekDifferInTheirAnchorUnit) {
-  EXPECT_EQ(BDDateRange::namedRangeFrom(BDDateRange::dateRangeWithAnchor(nullptr, kDay, -1, kWeek, 1,
-                                                                         kWeek)),
+  EXPECT_EQ(BDDateRange::namedRangeFrom(
+                BDDateRange::dateRangeWithAnchor(nullptr, kDay, -1, kWeek, 1, kWeek)),
             BDNamedRangePastWeek);
-  EXPECT_EQ(BDDateRange::namedRangeFrom(BDDateRange::dateRangeWithAnchor(nullptr, kWeek, -1, kWeek,
-                                                                         1, kWeek)),
+  EXPECT_EQ(BDDateRange::namedRangeFrom(
+                BDDateRange::dateRangeWithAnchor(nullptr, kWeek, -1, kWeek, 1, kWeek)),
             BDNamedRangeLastWeek);
 }
 

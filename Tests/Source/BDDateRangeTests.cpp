@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <Brindle/Platform/Weak.h>
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/NSCopying.h>
 #include <Brindle/Platform/NSData.h>
@@ -18,6 +17,7 @@
 #include <Brindle/Platform/NSMutableData.h>
 #include <Brindle/Platform/NSString.h>
 #include <Brindle/Platform/Runtime.h>
+#include <Brindle/Platform/Weak.h>
 
 using namespace brindle;
 
@@ -29,8 +29,8 @@ constexpr std::int64_t kHighest = INT64_MAX;
 NSDate someDate() { return NSDate::dateWithTimeIntervalSinceReferenceDate(737460000.25); }
 
 BDDateRange archivedAndBack(const BDDateRange& range) {
-  return cast<BDDateRange>(
-      NSKeyedUnarchiver::unarchiveObjectWithData(NSKeyedArchiver::archivedDataWithRootObject(range)));
+  return cast<BDDateRange>(NSKeyedUnarchiver::unarchiveObjectWithData(
+      NSKeyedArchiver::archivedDataWithRootObject(range)));
 }
 
 void expectFields(const BDDateRange& range, const NSDate& anchor, BDTimeUnit anchorUnit,
@@ -93,8 +93,8 @@ constinit ClassPair<NotingRange> NotingRange::classPair{kNotingDefinition};
 
 TEST(BDDateRange, Tour) {
   const NSDate now = NSDate::date();
-  BDDateRange range = BDDateRange::dateRangeWithAnchor(now, BDTimeUnitWeek, -1, BDTimeUnitWeek, 7,
-                                                       BDTimeUnitDay);
+  BDDateRange range =
+      BDDateRange::dateRangeWithAnchor(now, BDTimeUnitWeek, -1, BDTimeUnitWeek, 7, BDTimeUnitDay);
   expectFields(range, now, BDTimeUnitWeek, -1, BDTimeUnitWeek, 7, BDTimeUnitDay);
   EXPECT_EQ(range->start()->compare(range->end()), NSOrderedAscending);
   BDDateRange copy = range->copy();
@@ -113,8 +113,8 @@ TEST(BDDateRange, BeginsAsTheDayOfNowWithoutLength) {
 
 TEST(BDDateRange, ShortConstructorLeavesTheUnitsAtDay) {
   const NSDate date = someDate();
-  expectFields(BDDateRange::dateRangeWithAnchor(date, -3, 5), date, BDTimeUnitDay, -3, BDTimeUnitDay,
-               5, BDTimeUnitDay);
+  expectFields(BDDateRange::dateRangeWithAnchor(date, -3, 5), date, BDTimeUnitDay, -3,
+               BDTimeUnitDay, 5, BDTimeUnitDay);
   expectFields(BDDateRange::dateRangeWithAnchor(nullptr, 1, 2), nullptr, BDTimeUnitDay, 1,
                BDTimeUnitDay, 2, BDTimeUnitDay);
 }
@@ -151,10 +151,12 @@ TEST(BDDateRange, SettersStoreWhateverTheyAreGiven) {
 }
 
 TEST(BDDateRange, HasTheStatedPropertyAttributes) {
-  const std::pair<const char*, const char*> expected[] = {
-      {"anchor", "T@\"NSDate\",&,Vanchor"}, {"offset", "Tq,Voffset"},
-      {"length", "Tq,Vlength"},             {"anchorUnit", "Ti,VanchorUnit"},
-      {"offsetUnit", "Ti,VoffsetUnit"},     {"lengthUnit", "Ti,VlengthUnit"}};
+  const std::pair<const char*, const char*> expected[] = {{"anchor", "T@\"NSDate\",&,Vanchor"},
+                                                          {"offset", "Tq,Voffset"},
+                                                          {"length", "Tq,Vlength"},
+                                                          {"anchorUnit", "Ti,VanchorUnit"},
+                                                          {"offsetUnit", "Ti,VoffsetUnit"},
+                                                          {"lengthUnit", "Ti,VlengthUnit"}};
   const std::vector<objc_property_t> list = class_copyPropertyList(BDDateRange::class_());
   ASSERT_EQ(list.size(), std::size(expected));
   for (std::size_t i = 0; i < list.size(); ++i) {
@@ -168,8 +170,7 @@ TEST(BDDateRange, CalculateHasTheStatedBlockType) {
   const Block<id(const NSDate&, const NSDate&)> block = [](const NSDate& a, const NSDate&) -> id {
     return a;
   };
-  EXPECT_STREQ(static_cast<detail::BlockRecord*>(block.record())->operations->types,
-               "@24@?0@8@16");
+  EXPECT_STREQ(static_cast<detail::BlockRecord*>(block.record())->operations->types, "@24@?0@8@16");
   EXPECT_STREQ(method_getTypeEncoding(
                    class_getInstanceMethod(BDDateRange::class_(), selector<"add:in:to:">())),
                "@36@0:8q16i24@28");
@@ -218,8 +219,8 @@ TEST(BDDateRange, EqualityIsStructural) {
   EXPECT_FALSE(base->isEqual(make(date, BDTimeUnitDay, 1, BDTimeUnitDay, 7, BDTimeUnitWeek)));
   // Offsets that agree in their low 32 bits.
   EXPECT_FALSE(make(date, BDTimeUnitDay, 1, BDTimeUnitDay, 0, BDTimeUnitDay)
-                   ->isEqual(make(date, BDTimeUnitDay, (std::int64_t{1} << 32) + 1, BDTimeUnitDay, 0,
-                                  BDTimeUnitDay)));
+                   ->isEqual(make(date, BDTimeUnitDay, (std::int64_t{1} << 32) + 1, BDTimeUnitDay,
+                                  0, BDTimeUnitDay)));
 }
 
 TEST(BDDateRange, SevenDaysAndOneWeekAreUnequalRangesOfTheSameDates) {
@@ -290,9 +291,8 @@ BDDateRange decoded(Encode encode) {
 }  // namespace
 
 TEST(BDDateRange, AnArchiveWithOnlyAnAnchorHasTheDefaults) {
-  const BDDateRange range = decoded([](const NSKeyedArchiver& archiver) {
-    archiver->encodeObject(someDate(), "anchor"_ns);
-  });
+  const BDDateRange range = decoded(
+      [](const NSKeyedArchiver& archiver) { archiver->encodeObject(someDate(), "anchor"_ns); });
   expectFields(range, someDate(), BDTimeUnitDay, 0, BDTimeUnitDay, 0, BDTimeUnitDay);
 }
 

@@ -55,9 +55,8 @@ constexpr MethodDefinition kArrayMethods[] = {
       return fieldsOf<ArrayFields>(self).members->objectEnumerator();
     }),
 };
-constexpr ClassDefinition kArrayDefinition{.name = "BoastingArray",
-                                           .methods = kArrayMethods,
-                                           .fields = fieldsDefinition<ArrayFields>()};
+constexpr ClassDefinition kArrayDefinition{
+    .name = "BoastingArray", .methods = kArrayMethods, .fields = fieldsDefinition<ArrayFields>()};
 
 }  // namespace
 

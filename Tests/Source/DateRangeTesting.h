@@ -1,4 +1,5 @@
-// What the tests of date ranges share: a fixed zone and week, dates by fields, and raised exceptions.
+// What the tests of date ranges share: a fixed zone and week, dates by fields, and raised
+// exceptions.
 #pragma once
 
 #include <string>
@@ -23,7 +24,8 @@ NSException raisedBy(Body body) {
   return nullptr;
 }
 
-/// A default zone, and a first weekday of the user's calendar (1 is Sunday), to the end of the scope.
+/// A default zone, and a first weekday of the user's calendar (1 is Sunday), to the end of the
+/// scope.
 class DateSettings {
  public:
   explicit DateSettings(const char* zone, NSUInteger firstWeekday = 1,
@@ -66,10 +68,10 @@ inline std::string fieldsOfDate(const NSDate& date) {
                                NSHourCalendarUnit | NSMinuteCalendarUnit | NSSecondCalendarUnit,
                            date);
   char text[64];
-  std::snprintf(text, sizeof text, "%04ld-%02ld-%02ld %02ld:%02ld:%02ld", static_cast<long>(p->year()),
-                static_cast<long>(p->month()), static_cast<long>(p->day()),
-                static_cast<long>(p->hour()), static_cast<long>(p->minute()),
-                static_cast<long>(p->second()));
+  std::snprintf(text, sizeof text, "%04ld-%02ld-%02ld %02ld:%02ld:%02ld",
+                static_cast<long>(p->year()), static_cast<long>(p->month()),
+                static_cast<long>(p->day()), static_cast<long>(p->hour()),
+                static_cast<long>(p->minute()), static_cast<long>(p->second()));
   return text;
 }
 

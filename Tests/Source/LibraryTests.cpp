@@ -9,9 +9,9 @@ namespace {
 TEST(BrindleLibraryTest, ItsClassesAreFoundByName) { EXPECT_TRUE(objc_getClass("BDDateRange")); }
 
 TEST(BrindleLibraryTest, ItsCategoriesAreAttached) {
-  EXPECT_NE(class_getInstanceMethod(objc_getClass("NSException"),
-                                    sel_registerName("decodedStackTrace")),
-            nullptr);
+  EXPECT_NE(
+      class_getInstanceMethod(objc_getClass("NSException"), sel_registerName("decodedStackTrace")),
+      nullptr);
 }
 
 }  // namespace

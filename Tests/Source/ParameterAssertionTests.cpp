@@ -18,9 +18,8 @@ TEST(ParameterAssertionTest, DoesNothingWhenItHolds) {
 
 TEST(ParameterAssertionTest, GoesToTheHandlerWithFileLineAndCondition) {
   testing::internal::CaptureStderr();
-  const NSException raised = raisedBy([] {
-    internal::assertParameter(false, kAssertion, selector<"count">(), "receiver"_ns);
-  });
+  const NSException raised = raisedBy(
+      [] { internal::assertParameter(false, kAssertion, selector<"count">(), "receiver"_ns); });
   const std::string log = testing::internal::GetCapturedStderr();
   EXPECT_TRUE(raised->name()->isEqual(NSInternalInconsistencyException));
   EXPECT_EQ(std::string(raised->reason()), "Invalid parameter not satisfying: [keys count] > 0");

@@ -10,7 +10,7 @@
 
 namespace tool {
 
-/// How the tool ends: 0 done, 1 the question has no answer, 2 the words were wrong.
+/// How the tool ends: 0 done, 1 there is no answer or no place to write it, 2 the words were wrong.
 enum ExitCode : int { kDone = 0, kNoAnswer = 1, kUsage = 2 };
 
 /// The words of the command line make no sense. The text says which, and what would.

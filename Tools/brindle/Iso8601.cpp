@@ -102,7 +102,8 @@ std::optional<ParsedInstant> parseIso(std::string_view text) {
     sign = rest.front() == '-' ? -1 : 1;
     rest.remove_prefix(1);
     yearDigits = rest.find('-');
-    if (yearDigits == std::string_view::npos || yearDigits < 4 || yearDigits > 6) return std::nullopt;
+    if (yearDigits == std::string_view::npos || yearDigits < 4 || yearDigits > 6)
+      return std::nullopt;
   }
   std::int64_t year = 0;
   std::int64_t month = 0;

@@ -1,5 +1,5 @@
-// Instants as ISO 8601 writes them: the proleptic Gregorian calendar, years beyond 0000 to 9999 with a
-// sign and at least four digits.
+// Instants as ISO 8601 writes them: the proleptic Gregorian calendar, years beyond 0000 to 9999
+// with a sign and at least four digits.
 #pragma once
 
 #include <cstdint>
@@ -22,8 +22,8 @@ IsoDay isoDay(std::int64_t days);
 /// "2026-11-21".
 std::string isoDate(std::int64_t secondsSince1970, std::int64_t offset);
 
-/// "2026-11-21T00:00:00-05:00"; in UTC with a "Z" when the offset has seconds, which ISO 8601 cannot
-/// write (zones had them before standard time).
+/// "2026-11-21T00:00:00-05:00"; in UTC with a "Z" when the offset has seconds, which ISO 8601
+/// cannot write (zones had them before standard time).
 std::string isoInstant(std::int64_t secondsSince1970, std::int64_t offset);
 
 /// The text as what `isoDate` writes, as days since 1970, and the seconds into the day of a time

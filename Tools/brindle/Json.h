@@ -11,11 +11,21 @@ inline std::string jsonString(std::string_view text) {
   std::string json = "\"";
   for (const char c : text) {
     switch (c) {
-      case '"': json += "\\\""; break;
-      case '\\': json += "\\\\"; break;
-      case '\n': json += "\\n"; break;
-      case '\t': json += "\\t"; break;
-      case '\r': json += "\\r"; break;
+      case '"':
+        json += "\\\"";
+        break;
+      case '\\':
+        json += "\\\\";
+        break;
+      case '\n':
+        json += "\\n";
+        break;
+      case '\t':
+        json += "\\t";
+        break;
+      case '\r':
+        json += "\\r";
+        break;
       default:
         if (static_cast<unsigned char>(c) < 0x20) {
           constexpr std::string_view kDigits = "0123456789abcdef";

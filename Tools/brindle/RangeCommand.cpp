@@ -31,17 +31,18 @@ Prints a range of dates. Its end is not part of it: it is where the next one sta
                    2026-05-15T13:45:00Z, or now (the default). Also for named ranges.
   --unit UNIT      the anchor is rounded down to the start of its day (the default), week, month,
                    quarter or year
-  --offset AMOUNT  from there to the first date, such as "-1 week" or 3months; nothing by default
-  --length AMOUNT  from the first date to the second; nothing by default
+  --offset AMOUNT  from there to the first date, such as "-1 week" or 3months; 0 of --unit by default
+  --length AMOUNT  from the first date to the second; 0 days by default
 
 Settings:
   --zone ZONE      a zone of the system, such as Europe/Paris; the environment's by default
   --first-weekday DAY
                    sunday to saturday, or 1 to 7; the environment's by default
-  --json           one JSON object (with --all, an array): name, start, end, interval, seconds
+  --json           one JSON object (with --all, an array): name, start, end, interval, startSeconds
+                   and endSeconds (since 1970)
 
-Intervals are written as in ISO 8601. Dates before 15 October 1582 are counted in the Julian calendar,
-but ISO 8601 writes them in the Gregorian one.
+Intervals are written as in ISO 8601: in UTC where the zone had an offset with seconds. Dates before
+15 October 1582 are counted in the Julian calendar, but ISO 8601 writes them in the Gregorian one.
 )";
 
 constexpr std::string_view kRecogniseHelp =
@@ -52,8 +53,9 @@ ends with 1 when there is none. A range with an anchor is never a named one.
 `brindle range --help` explains the parts.
 )";
 
-constexpr Option kRangeOptions[] = {kAnchorOption, kUnitOption,         kOffsetOption, kLengthOption,
-                                    kZoneOption,   kFirstWeekdayOption, kJsonOption,   {"--all", false}};
+constexpr Option kRangeOptions[] = {kAnchorOption, kUnitOption,     kOffsetOption,
+                                    kLengthOption, kZoneOption,     kFirstWeekdayOption,
+                                    kJsonOption,   {"--all", false}};
 constexpr Option kRecogniseOptions[] = {kAnchorOption, kUnitOption, kOffsetOption, kLengthOption,
                                         kJsonOption};
 
@@ -120,7 +122,8 @@ void printTable(const std::vector<Row>& rows, bool json) {
     return;
   }
   std::cout << std::left << std::setw(14) << "name" << std::setw(13) << "start" << std::setw(15)
-            << "end" << "interval\n";
+            << "end"
+            << "interval\n";
   for (const Row& row : rows) {
     std::cout << std::setw(14) << row.name << std::setw(13) << row.start << std::setw(15) << row.end
               << row.interval << '\n';

@@ -15,13 +15,15 @@ namespace {
 
 using namespace brindle;
 
+constexpr double kDaySeconds = 86400;
+
 constexpr RangeName kNames[] = {
-    {BDNamedRangeAll, "all-time"},           {BDNamedRangeThisWeek, "this-week"},
-    {BDNamedRangeThisMonth, "this-month"},   {BDNamedRangeThisQuarter, "this-quarter"},
-    {BDNamedRangeThisYear, "this-year"},     {BDNamedRangeLastWeek, "last-week"},
-    {BDNamedRangeLastMonth, "last-month"},   {BDNamedRangeLastQuarter, "last-quarter"},
-    {BDNamedRangeLastYear, "last-year"},     {BDNamedRangePastWeek, "past-week"},
-    {BDNamedRangePastMonth, "past-month"},   {BDNamedRangePastQuarter, "past-quarter"},
+    {BDNamedRangeAll, "all-time"},         {BDNamedRangeThisWeek, "this-week"},
+    {BDNamedRangeThisMonth, "this-month"}, {BDNamedRangeThisQuarter, "this-quarter"},
+    {BDNamedRangeThisYear, "this-year"},   {BDNamedRangeLastWeek, "last-week"},
+    {BDNamedRangeLastMonth, "last-month"}, {BDNamedRangeLastQuarter, "last-quarter"},
+    {BDNamedRangeLastYear, "last-year"},   {BDNamedRangePastWeek, "past-week"},
+    {BDNamedRangePastMonth, "past-month"}, {BDNamedRangePastQuarter, "past-quarter"},
     {BDNamedRangePastYear, "past-year"},
 };
 
@@ -34,8 +36,8 @@ BDTimeUnit unitFrom(std::string_view text) {
   constexpr std::string_view kUnits[] = {"day", "week", "month", "quarter", "year"};
   for (std::size_t i = 0; i < std::size(kUnits); ++i) {
     const std::string_view unit = kUnits[i];
-    if (text == unit || (text.size() == unit.size() + 1 && text.starts_with(unit) &&
-                         text.back() == 's')) {
+    if (text == unit ||
+        (text.size() == unit.size() + 1 && text.starts_with(unit) && text.back() == 's')) {
       return static_cast<BDTimeUnit>(i);
     }
   }
@@ -58,6 +60,10 @@ Amount amountFrom(std::string_view option, std::string_view text) {
   }
   text.remove_prefix(static_cast<std::size_t>(end - text.data()));
   while (text.starts_with(' ')) text.remove_prefix(1);
+  if (text.empty()) {
+    throw UsageError(std::string(option) + " wants a unit behind the number: '" +
+                     std::string(whole) + " days'");
+  }
   return {count, unitFrom(text)};
 }
 
@@ -71,6 +77,20 @@ NSUInteger weekdayFrom(std::string_view text) {
   }
   throw UsageError("'" + std::string(text) +
                    "' is no weekday: sunday (1) to saturday (7) is wanted");
+}
+
+/// A local time as an instant: the first of two; in a gap, as far behind its start as the text
+/// says.
+double instantOfLocal(double local) {
+  const NSTimeZone zone = NSTimeZone::defaultTimeZone();
+  const auto offsetAt = [&zone](double instant) {
+    return static_cast<double>(
+        zone->secondsFromGMTForDate(NSDate::dateWithTimeIntervalSince1970(instant)));
+  };
+  const double before = local - offsetAt(local - kDaySeconds);
+  const double after = local - offsetAt(local + kDaySeconds);
+  const bool afterHolds = after + offsetAt(after) == local;
+  return before + offsetAt(before) == local || !afterHolds ? before : after;
 }
 
 }  // namespace
@@ -87,7 +107,8 @@ std::string_view nameOfRange(BDNamedRange range) {
 void applySettings(const Words& words) {
   if (const auto name = words.value("--zone")) {
     const NSTimeZone zone = NSTimeZone::timeZoneWithName(NSString(*name));
-    if (!zone) throw UsageError("there is no time zone '" + std::string(*name) + "' on this system");
+    if (!zone)
+      throw UsageError("there is no time zone '" + std::string(*name) + "' on this system");
     NSTimeZone::setDefaultTimeZone(zone);
   }
   if (const auto day = words.value("--first-weekday")) {
@@ -106,18 +127,11 @@ NSDate anchorFrom(const Words& words) {
                      "' is no date: 2026-05-15 or 2026-05-15T13:45:00+02:00 is wanted");
   }
   const double utc =
-      static_cast<double>(parsed->days) * 86400 + static_cast<double>(parsed->seconds);
+      static_cast<double>(parsed->days) * kDaySeconds + static_cast<double>(parsed->seconds);
   if (parsed->offset) {
     return NSDate::dateWithTimeIntervalSince1970(utc - static_cast<double>(*parsed->offset));
   }
-  // A local time: the offset that holds there, found from both sides of a change.
-  const NSTimeZone zone = NSTimeZone::defaultTimeZone();
-  double guess = utc;
-  for (int i = 0; i < 2; ++i) {
-    guess = utc - static_cast<double>(
-                      zone->secondsFromGMTForDate(NSDate::dateWithTimeIntervalSince1970(guess)));
-  }
-  return NSDate::dateWithTimeIntervalSince1970(guess);
+  return NSDate::dateWithTimeIntervalSince1970(instantOfLocal(utc));
 }
 
 bool describesRange(const Words& words) {
@@ -126,7 +140,9 @@ bool describesRange(const Words& words) {
 
 BDDateRange rangeFrom(const Words& words) {
   const BDTimeUnit unit = unitFrom(words.value("--unit").value_or("day"));
-  const Amount offset = amountFrom("--offset", words.value("--offset").value_or("0 days"));
+  // No offset is none of the anchor's unit, as in the named ranges.
+  const auto offsetText = words.value("--offset");
+  const Amount offset = offsetText ? amountFrom("--offset", *offsetText) : Amount{0, unit};
   const Amount length = amountFrom("--length", words.value("--length").value_or("0 days"));
   return BDDateRange::dateRangeWithAnchor(anchorFrom(words), unit, offset.count, offset.unit,
                                           length.count, length.unit);

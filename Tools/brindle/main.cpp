@@ -1,4 +1,5 @@
 // brindle: what the library knows, from the command line.
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <vector>
@@ -16,10 +17,20 @@ void printHelp(std::ostream& out) {
         << '\n';
   }
   out << "\n`brindle COMMAND --help` explains a command.\n"
-         "Exit status: 0 done, 1 the question has no answer, 2 the words were wrong.\n";
+         "Exit status: 0 done, 1 there is no answer or no place to write it, 2 the words were "
+         "wrong.\n";
 }
 
-bool asksForHelp(std::string_view word) { return word == "--help" || word == "-h" || word == "help"; }
+bool asksForHelp(std::string_view word) {
+  return word == "--help" || word == "-h" || word == "help";
+}
+
+const tool::Command* commandNamed(std::string_view name) {
+  for (const tool::Command* command : kCommands) {
+    if (command->name == name) return command;
+  }
+  return nullptr;
+}
 
 int run(const tool::Command& command, std::span<const std::string_view> words) {
   for (const std::string_view word : words) {
@@ -40,21 +51,38 @@ int run(const tool::Command& command, std::span<const std::string_view> words) {
   }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  const std::vector<std::string_view> words(argv + 1, argv + argc);
+int run(std::span<const std::string_view> words) {
   if (words.empty()) {
     printHelp(std::cerr);
     return tool::kUsage;
   }
-  if (asksForHelp(words.front())) {
+  const bool help = asksForHelp(words.front());
+  if (help && words.size() == 1) {
     printHelp(std::cout);
     return tool::kDone;
   }
-  for (const tool::Command* command : kCommands) {
-    if (command->name == words.front()) return run(*command, std::span(words).subspan(1));
+  const std::string_view name = words[help ? 1 : 0];
+  const tool::Command* command = commandNamed(name);
+  if (command == nullptr) {
+    std::cerr << "brindle: there is no command '" << name << "'\nTry `brindle --help`.\n";
+    return tool::kUsage;
   }
-  std::cerr << "brindle: there is no command '" << words.front() << "'\nTry `brindle --help`.\n";
-  return tool::kUsage;
+  if (help) {
+    std::cout << command->help;
+    return tool::kDone;
+  }
+  return run(*command, words.subspan(1));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A program may be started without even its own name.
+  const std::vector<std::string_view> words(argv + std::min(argc, 1), argv + argc);
+  const int status = run(words);
+  if (!std::cout.flush()) {
+    std::cerr << "brindle: the output could not be written\n";
+    return tool::kNoAnswer;
+  }
+  return status;
 }

@@ -83,8 +83,8 @@ CivilDay civilDay(std::int64_t number) noexcept {
     const std::int64_t dayOfEra = shifted % 146097;
     const std::int64_t yearOfEra =
         (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    return fromMarch({era * 400 + yearOfEra,
-                      dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100)});
+    return fromMarch(
+        {era * 400 + yearOfEra, dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100)});
   }
   const std::int64_t shifted = days + 719470;  // from 0000-03-01 of the Julian calendar
   const std::int64_t era = shifted / 1461 - (shifted % 1461 < 0 ? 1 : 0);

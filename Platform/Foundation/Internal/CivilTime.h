@@ -36,7 +36,8 @@ struct CivilMoment {
   int secondOfDay;
 };
 
-/// The day and time, in UTC, of seconds since 1970. Infinity and beyond: the nearest day; NaN is 1970.
+/// The day and time, in UTC, of seconds since 1970. Infinity and beyond: the nearest day; NaN is
+/// 1970.
 CivilMoment civilMoment(double secondsSince1970) noexcept;
 
 /// Whole seconds of an instant, rounded down, within the days that exist. NaN is 0.

@@ -17,8 +17,8 @@ constexpr double kDayMilliseconds = 86400000;
 std::unique_ptr<icu::Calendar> newCalendar(std::string_view name) {
   UErrorCode error = U_ZERO_ERROR;
   const std::string locale = "en_US@calendar=" + std::string(name);
-  std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(
-      *icu::TimeZone::getGMT(), icu::Locale(locale.c_str()), error));
+  std::unique_ptr<icu::Calendar> calendar(
+      icu::Calendar::createInstance(*icu::TimeZone::getGMT(), icu::Locale(locale.c_str()), error));
   return U_SUCCESS(error) ? std::move(calendar) : nullptr;
 }
 
@@ -87,9 +87,10 @@ UserCalendar calendarOfLocale(std::string_view name) {
   UErrorCode error = U_ZERO_ERROR;
   char canonical[ULOC_FULLNAME_CAPACITY];
   const std::int32_t size = uloc_canonicalize(text.c_str(), canonical, sizeof canonical, &error);
-  if (U_FAILURE(error) || size <= 0 || size >= ULOC_FULLNAME_CAPACITY) return {"en_US_POSIX", 1, "gregorian"};
-  const std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(
-      *icu::TimeZone::getGMT(), icu::Locale(canonical), error));
+  if (U_FAILURE(error) || size <= 0 || size >= ULOC_FULLNAME_CAPACITY)
+    return {"en_US_POSIX", 1, "gregorian"};
+  const std::unique_ptr<icu::Calendar> calendar(
+      icu::Calendar::createInstance(*icu::TimeZone::getGMT(), icu::Locale(canonical), error));
   if (U_FAILURE(error) || calendar == nullptr) return {canonical, 1, "gregorian"};
   const UCalendarDaysOfWeek first = calendar->getFirstDayOfWeek(error);
   return {canonical, U_SUCCESS(error) ? first : UCAL_SUNDAY, calendar->getType()};

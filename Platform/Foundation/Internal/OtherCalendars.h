@@ -1,5 +1,5 @@
-// Calendars that are not Gregorian, and what the environment says about the user's calendar. The one
-// unit that talks to ICU about calendars.
+// Calendars that are not Gregorian, and what the environment says about the user's calendar. The
+// one unit that talks to ICU about calendars.
 #pragma once
 
 #include <cstdint>
@@ -20,13 +20,13 @@ struct CalendarFields {
 /// Whether ICU knows a calendar by that name ("buddhist", "japanese", "hebrew", ...).
 bool isCalendar(std::string_view name);
 
-/// The fields of a day number (see CivilTime.h) and back. Fields are lenient; beyond what 32 bits hold
-/// they are moved to the nearest that fits.
+/// The fields of a day number (see CivilTime.h) and back. Fields are lenient; beyond what 32 bits
+/// hold they are moved to the nearest that fits.
 CalendarFields fieldsInCalendar(std::string_view calendar, std::int64_t day);
 std::int64_t dayInCalendar(std::string_view calendar, const CalendarFields& fields);
 
-/// What the environment says: the locale of LC_ALL, LC_TIME or LANG (the first that is not empty), its
-/// first weekday (1 is Sunday) and its calendar ("gregorian" for most).
+/// What the environment says: the locale of LC_ALL, LC_TIME or LANG (the first that is not empty),
+/// its first weekday (1 is Sunday) and its calendar ("gregorian" for most).
 struct UserCalendar {
   std::string locale;
   std::int64_t firstWeekday;

@@ -46,7 +46,8 @@ struct Zone {
 namespace {
 
 constexpr std::int64_t kDaySeconds = 86400;
-constexpr std::int64_t kSpansEnd = 4102444800;  // 2100-01-01: later dates are looked up in the rules
+constexpr std::int64_t kSpansEnd =
+    4102444800;  // 2100-01-01: later dates are looked up in the rules
 constexpr std::int64_t kGreatestOffset = 26 * 3600;
 constexpr std::string_view kZoneFolder = "/usr/share/zoneinfo/";
 
@@ -91,8 +92,9 @@ std::int64_t floorDay(std::int64_t seconds) {
 
 Spans* makeSpans(const absl::TimeZone& rules) {
   auto* spans = new Spans{{}, kSpansEnd};
-  spans->list.push_back({std::numeric_limits<std::int64_t>::min(),
-                         rules.At(absl::FromUnixSeconds(std::numeric_limits<int>::min() * 4LL)).offset});
+  spans->list.push_back(
+      {std::numeric_limits<std::int64_t>::min(),
+       rules.At(absl::FromUnixSeconds(std::numeric_limits<int>::min() * 4LL)).offset});
   absl::TimeZone::CivilTransition change;
   for (absl::Time time = absl::InfinitePast(); rules.NextTransition(time, &change);) {
     // The clocks showed `from` by the offset until then.
@@ -108,7 +110,8 @@ Spans* makeSpans(const absl::TimeZone& rules) {
 
 const Spans& spansOf(const Zone& zone) {
   const Spans* spans = zone.spans.load(std::memory_order_acquire);
-  if (spans != nullptr) [[likely]] return *spans;
+  if (spans != nullptr) [[likely]]
+    return *spans;
   const Spans* made = makeSpans(zone.rules);
   if (zone.spans.compare_exchange_strong(spans, made, std::memory_order_acq_rel)) return *made;
   delete made;
@@ -116,9 +119,9 @@ const Spans& spansOf(const Zone& zone) {
 }
 
 const Span* spanAt(const Spans& spans, std::int64_t instant) {
-  const auto next = std::upper_bound(
-      spans.list.begin() + 1, spans.list.end(), instant,
-      [](std::int64_t value, const Span& span) { return value < span.begin; });
+  const auto next =
+      std::upper_bound(spans.list.begin() + 1, spans.list.end(), instant,
+                       [](std::int64_t value, const Span& span) { return value < span.begin; });
   return &*(next - 1);
 }
 
@@ -184,12 +187,12 @@ std::string zoneFileOf(const StandardTime& standard, const std::string& rule) {
   const auto block = [&standard](int timeSize, bool hasTransition) {
     std::string bytes = "TZif2";
     bytes.append(15, '\0');
-    appendBigEndian(bytes, 0, 4);                        // universal or local indicators
-    appendBigEndian(bytes, 0, 4);                        // standard or wall indicators
-    appendBigEndian(bytes, 0, 4);                        // leap seconds
-    appendBigEndian(bytes, hasTransition ? 1 : 0, 4);    // transitions
-    appendBigEndian(bytes, 1, 4);                        // types
-    appendBigEndian(bytes, standard.name.size() + 1, 4); // characters of names
+    appendBigEndian(bytes, 0, 4);                         // universal or local indicators
+    appendBigEndian(bytes, 0, 4);                         // standard or wall indicators
+    appendBigEndian(bytes, 0, 4);                         // leap seconds
+    appendBigEndian(bytes, hasTransition ? 1 : 0, 4);     // transitions
+    appendBigEndian(bytes, 1, 4);                         // types
+    appendBigEndian(bytes, standard.name.size() + 1, 4);  // characters of names
     if (hasTransition) {
       appendBigEndian(bytes, static_cast<std::uint64_t>(std::int64_t{-2208988800}), timeSize);
       bytes += '\0';
@@ -216,8 +219,9 @@ const Zone* zoneOfRule(const std::string& text) {
   const int file = memfd_create("zone", MFD_CLOEXEC);
   if (file < 0) return nullptr;
   absl::TimeZone rules;
-  const bool loaded = write(file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()) &&
-                      absl::LoadTimeZone("/proc/self/fd/" + std::to_string(file), &rules);
+  const bool loaded =
+      write(file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()) &&
+      absl::LoadTimeZone("/proc/self/fd/" + std::to_string(file), &rules);
   // The file stays open: the library remembers zones by name, and this name must not be used again.
   if (!loaded) {
     return registered(text, absl::FixedTimeZone(static_cast<int>(standard->offset)));
@@ -286,7 +290,8 @@ const Zone* hostZone() {
 
 const Zone* defaultZone() {
   const Zone* zone = currentDefault.load(std::memory_order_acquire);
-  if (zone != nullptr) [[likely]] return zone;
+  if (zone != nullptr) [[likely]]
+    return zone;
   const Zone* host = hostZone();
   return currentDefault.compare_exchange_strong(zone, host) ? host : zone;
 }
@@ -304,14 +309,16 @@ ZoneMoment zoneMoment(const Zone& zone, std::int64_t instant) {
 
 std::int64_t offsetAt(const Zone& zone, std::int64_t instant) noexcept {
   const Spans& spans = spansOf(zone);
-  if (instant < spans.end) [[likely]] return spanAt(spans, instant)->offset;
+  if (instant < spans.end) [[likely]]
+    return spanAt(spans, instant)->offset;
   return zone.rules.At(absl::FromUnixSeconds(instant)).offset;
 }
 
 DayStart startOfDay(const Zone& zone, std::int64_t day) noexcept {
   const Spans& spans = spansOf(zone);
   const std::int64_t midnight = day * kDaySeconds;  // by the clock
-  if (midnight + kGreatestOffset >= spans.end) [[unlikely]] return startOfLateDay(zone, day);
+  if (midnight + kGreatestOffset >= spans.end) [[unlikely]]
+    return startOfLateDay(zone, day);
   // The first span that does not end before its clocks show midnight.
   const Span* span = spanAt(spans, midnight - kGreatestOffset);
   const Span* last = &spans.list.back();

@@ -23,8 +23,8 @@ const Zone* zoneWithOffset(std::int64_t seconds);
 /// understood. Read anew at each call.
 const Zone* hostZone();
 
-/// The zone that dates are split in: the host's, read once, until somebody sets another. Setting null
-/// reads the host's again.
+/// The zone that dates are split in: the host's, read once, until somebody sets another. Setting
+/// null reads the host's again.
 const Zone* defaultZone();
 void setDefaultZone(const Zone* zone);
 
@@ -47,8 +47,8 @@ struct DayStart {
 };
 DayStart startOfDay(const Zone& zone, std::int64_t day) noexcept;
 
-/// The instant of a time of that day, in seconds since its midnight by the clock: a time in a gap is
-/// carried over it, of two equal times the first counts.
+/// The instant of a time of that day, in seconds since its midnight by the clock: a time in a gap
+/// is carried over it, of two equal times the first counts.
 std::int64_t instantAt(const Zone& zone, std::int64_t day, std::int64_t secondOfDay) noexcept;
 
 }  // namespace brindle::internal

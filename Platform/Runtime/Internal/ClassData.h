@@ -43,7 +43,7 @@ enum class Readiness { kUntouched, kInitializing, kReady };
 
 struct ClassData {
   ClassRecord* record = nullptr;
-  DispatchPage** table = nullptr;   // writers' view; published in the record when it is ready
+  DispatchPage** table = nullptr;  // writers' view; published in the record when it is ready
   std::vector<bool> ownPages;
   std::vector<MethodRecord*> methods;  // own, first to last
   std::unordered_map<SEL, MethodRecord*> ownMethods;
@@ -70,8 +70,8 @@ std::mutex& runtimeLock();
 ClassData* realizedLocked(ClassRecord* cls);
 ClassData* realized(ClassRecord* cls);
 
-/// Realises, runs `initialize` (superclasses first, each once) and publishes the tables. Waits while
-/// another thread runs it. In the thread that runs it, returns at once.
+/// Realises, runs `initialize` (superclasses first, each once) and publishes the tables. Waits
+/// while another thread runs it. In the thread that runs it, returns at once.
 void makeReady(ClassRecord* cls);
 
 /// The class of a number in the flags of an object; null for number 0.

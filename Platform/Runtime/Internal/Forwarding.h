@@ -8,14 +8,15 @@
 
 namespace brindle::detail {
 
-/// Sends a message whose arguments (receiver and selector included) lie in a frame. `result` has room
-/// for the signature's result; an object arrives owned. Raises NSInvalidArgumentException when the
-/// method found has other types than the signature.
+/// Sends a message whose arguments (receiver and selector included) lie in a frame. `result` has
+/// room for the signature's result; an object arrives owned. Raises NSInvalidArgumentException when
+/// the method found has other types than the signature.
 void sendFrame(ObjectRecord* target, SEL selector, SignatureData& data, void** arguments,
                void* result);
 
 /// An invocation of these types (never nil) for a receiver and selector; its arguments are zero.
-NSInvocation newInvocation(const NSMethodSignature& signature, ObjectRecord* receiver, SEL selector);
+NSInvocation newInvocation(const NSMethodSignature& signature, ObjectRecord* receiver,
+                           SEL selector);
 
 /// Where an invocation keeps an argument, and its result. An object in either is one pointer; the
 /// result's is owned by the invocation.

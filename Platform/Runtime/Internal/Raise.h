@@ -1,5 +1,5 @@
-// How the runtime raises exceptions that it does not know: the floor above makes the exception object
-// and throws it.
+// How the runtime raises exceptions that it does not know: the floor above makes the exception
+// object and throws it.
 #pragma once
 
 #include <string>

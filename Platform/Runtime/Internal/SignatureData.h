@@ -16,7 +16,7 @@ namespace brindle::detail {
 /// One type of a signature.
 struct TypeData {
   std::string encoding;
-  std::string wire;     // its wire codes, as in Encoding.h
+  std::string wire;      // its wire codes, as in Encoding.h
   std::size_t size = 0;  // of the value
   std::size_t frameSize = 0;
   ffi_type* ffi = nullptr;
@@ -27,8 +27,8 @@ struct SignatureData {
   std::string types;
   std::string wire;
   TypeData result;
-  std::vector<TypeData> arguments;  // receiver and selector included
-  std::size_t frameLength = 0;      // as encodings count it
+  std::vector<TypeData> arguments;   // receiver and selector included
+  std::size_t frameLength = 0;       // as encodings count it
   std::vector<std::size_t> offsets;  // of the arguments in an invocation's frame, aligned
   std::size_t frameSize = 0;
   ffi_cif cif{};
@@ -36,8 +36,8 @@ struct SignatureData {
   std::vector<ffi_type*> ffiArguments;
   std::deque<ffi_type> structTypes;
   std::deque<std::vector<ffi_type*>> structElements;
-  std::atomic<IMP> forwarder{nullptr};             // made when it is first asked for
-  std::atomic<ObjectRecord*> object{nullptr};      // the signature object, immortal
+  std::atomic<IMP> forwarder{nullptr};         // made when it is first asked for
+  std::atomic<ObjectRecord*> object{nullptr};  // the signature object, immortal
 };
 
 /// Reads an encoding. False, with `data` unfinished, when the text is none.

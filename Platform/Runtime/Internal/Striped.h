@@ -1,5 +1,6 @@
-// State that belongs to objects but is kept beside them, in stripes by address, so that threads that
-// deal with different objects rarely meet. A stripe's lock is never held while other code runs.
+// State that belongs to objects but is kept beside them, in stripes by address, so that threads
+// that deal with different objects rarely meet. A stripe's lock is never held while other code
+// runs.
 #pragma once
 
 #include <array>

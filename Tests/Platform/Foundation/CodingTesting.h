@@ -35,14 +35,18 @@ inline id archivedAndRead(const id& object) {
 }
 
 /// An archive in XML with those objects behind "$null", whose root is the first of them.
-inline NSData archiveOf(std::string_view objects, std::string_view top = "<key>root</key>"
-                        "<dict><key>CF$UID</key><integer>1</integer></dict>") {
+inline NSData archiveOf(std::string_view objects,
+                        std::string_view top =
+                            "<key>root</key>"
+                            "<dict><key>CF$UID</key><integer>1</integer></dict>") {
   return NSData("<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
                 "<key>$version</key><integer>100000</integer>"
                 "<key>$archiver</key><string>NSKeyedArchiver</string>"
-                "<key>$top</key><dict>" + std::string(top) + "</dict>"
-                "<key>$objects</key><array><string>$null</string>" + std::string(objects) +
-                "</array></dict></plist>");
+                "<key>$top</key><dict>" +
+                std::string(top) +
+                "</dict>"
+                "<key>$objects</key><array><string>$null</string>" +
+                std::string(objects) + "</array></dict></plist>");
 }
 
 /// "<dict><key>CF$UID</key>...": a reference to an object of an archive.
@@ -52,8 +56,8 @@ inline std::string uid(int number) {
 
 /// The description of a class in an archive.
 inline std::string classNamed(const std::string& name) {
-  return "<dict><key>$classname</key><string>" + name + "</string><key>$classes</key><array><string>" +
-         name + "</string></array></dict>";
+  return "<dict><key>$classname</key><string>" + name +
+         "</string><key>$classes</key><array><string>" + name + "</string></array></dict>";
 }
 
 }  // namespace brindle

@@ -75,15 +75,16 @@ TEST(NSAssertionHandlerTest, NamesClassOperationsAndFunctions) {
 TEST(NSAssertionHandlerTest, IsTheThreadsOwn) {
   const NSAssertionHandler mine = NSAssertionHandler::currentHandler();
   EXPECT_TRUE(NSAssertionHandler::currentHandler() == mine);
-  EXPECT_TRUE(NSThread::currentThread()->threadDictionary()->objectForKey("NSAssertionHandler"_ns) == mine);
+  EXPECT_TRUE(
+      NSThread::currentThread()->threadDictionary()->objectForKey("NSAssertionHandler"_ns) == mine);
   std::thread([&mine] { EXPECT_FALSE(NSAssertionHandler::currentHandler() == mine); }).join();
 }
 
 TEST(NSAssertionHandlerTest, AClientsHandlerThatReturnsLetsTheOperationGoOn) {
   const NSMutableDictionary dictionary = NSThread::currentThread()->threadDictionary();
   dictionary->setObject(QuietHandler::alloc()->init(), NSAssertionHandlerKey);
-  NSAssertionHandler::currentHandler()->handleFailureInMethod(selector<"count">(), "o"_ns, "f"_ns, 7,
-                                                              "%@!"_ns, "bad"_ns);
+  NSAssertionHandler::currentHandler()->handleFailureInMethod(selector<"count">(), "o"_ns, "f"_ns,
+                                                              7, "%@!"_ns, "bad"_ns);
   dictionary->removeObjectForKey(NSAssertionHandlerKey);
   EXPECT_EQ(QuietHandler::last, "count f:7 bad!");
 }

@@ -40,7 +40,8 @@ TEST(NSCalendar, Tour) {
 }
 
 TEST(NSCalendar, FieldsThatNobodyAskedForStayUnset) {
-  const NSDateComponents parts = gregorianIn("UTC"_ns)->components(NSMonthCalendarUnit, NSDate::date());
+  const NSDateComponents parts =
+      gregorianIn("UTC"_ns)->components(NSMonthCalendarUnit, NSDate::date());
   EXPECT_NE(parts->month(), NSUndefinedDateComponent);
   EXPECT_EQ(parts->year(), NSUndefinedDateComponent);
   EXPECT_EQ(parts->era(), NSUndefinedDateComponent);

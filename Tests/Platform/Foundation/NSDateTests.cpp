@@ -83,8 +83,8 @@ TEST(NSDate, ACopyIsTheDateItself) {
 }
 
 TEST(NSDate, ASubclassIsAskedForItsInstant) {
-  const LateDate late = cast<LateDate>(
-      send<"dateWithTimeIntervalSinceReferenceDate:", id>(LateDate::class_(), 0.0));
+  const LateDate late =
+      cast<LateDate>(send<"dateWithTimeIntervalSinceReferenceDate:", id>(LateDate::class_(), 0.0));
   EXPECT_EQ(late->timeIntervalSince1970(), NSTimeIntervalSince1970 + 86400);
   EXPECT_TRUE(late->isEqual(at(86400)));
   EXPECT_EQ(late->compare(at(86400)), NSOrderedSame);

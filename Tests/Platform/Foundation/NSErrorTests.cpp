@@ -15,11 +15,12 @@ std::string text(const id& object) { return std::string(cast<NSString>(object));
 
 TEST(NSErrorTest, TellsWhatWentWrong) {
   const NSError error = NSError::errorWithDomain(
-      "Garden"_ns, 7, {{NSLocalizedDescriptionKey, "The gate is shut."_ns},
-                       {NSLocalizedFailureReasonErrorKey, "It is night."_ns},
-                       {NSLocalizedRecoverySuggestionErrorKey, "Come tomorrow."_ns},
-                       {NSLocalizedRecoveryOptionsErrorKey, NSArray{"Wait"_ns, "Climb"_ns}},
-                       {NSRecoveryAttempterErrorKey, NSNumber(1)}});
+      "Garden"_ns, 7,
+      {{NSLocalizedDescriptionKey, "The gate is shut."_ns},
+       {NSLocalizedFailureReasonErrorKey, "It is night."_ns},
+       {NSLocalizedRecoverySuggestionErrorKey, "Come tomorrow."_ns},
+       {NSLocalizedRecoveryOptionsErrorKey, NSArray{"Wait"_ns, "Climb"_ns}},
+       {NSRecoveryAttempterErrorKey, NSNumber(1)}});
   EXPECT_EQ(text(error->domain()), "Garden");
   EXPECT_EQ(error->code(), 7);
   EXPECT_EQ(text(error->localizedDescription()), "The gate is shut.");
@@ -41,14 +42,16 @@ TEST(NSErrorTest, HasATextWithoutInformation) {
 }
 
 TEST(NSErrorTest, ASystemErrorHasTheSystemsText) {
-  EXPECT_EQ(text(NSError::errorWithDomain(NSPOSIXErrorDomain, ENOENT, nullptr)->localizedDescription()),
-            "No such file or directory");
+  EXPECT_EQ(
+      text(NSError::errorWithDomain(NSPOSIXErrorDomain, ENOENT, nullptr)->localizedDescription()),
+      "No such file or directory");
 }
 
 TEST(NSErrorTest, InformationOfTheWrongKindIsNone) {
-  const NSError error = NSError::errorWithDomain(
-      "D"_ns, 1, {{NSLocalizedDescriptionKey, NSNumber(1)},
-                  {NSLocalizedRecoveryOptionsErrorKey, "no array"_ns}});
+  const NSError error =
+      NSError::errorWithDomain("D"_ns, 1,
+                               {{NSLocalizedDescriptionKey, NSNumber(1)},
+                                {NSLocalizedRecoveryOptionsErrorKey, "no array"_ns}});
   EXPECT_EQ(text(error->localizedDescription()),
             "The operation couldn\u2019t be completed. (D error 1.)");
   EXPECT_TRUE(error->localizedRecoveryOptions() == nullptr);

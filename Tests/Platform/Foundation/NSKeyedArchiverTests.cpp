@@ -44,18 +44,22 @@ TEST(NSKeyedArchiverTest, HasThePlatformsLayout) {
   EXPECT_TRUE(has(xml, "<key>$version</key><integer>100000</integer>")) << xml;
   EXPECT_TRUE(has(xml, "<key>$archiver</key><string>NSKeyedArchiver</string>")) << xml;
   EXPECT_TRUE(has(xml, "<key>$top</key><dict><key>root</key>" + uid(1) + "</dict>")) << xml;
-  EXPECT_TRUE(has(xml, "<key>$objects</key><array><string>$null</string><dict>"
-                       "<key>title</key>" + uid(2))) << xml;
+  EXPECT_TRUE(has(xml,
+                  "<key>$objects</key><array><string>$null</string><dict>"
+                  "<key>title</key>" +
+                      uid(2)))
+      << xml;
   EXPECT_TRUE(has(xml, "<string>Milk</string>")) << xml;
   EXPECT_TRUE(has(xml, "<key>$class</key>" + uid(3))) << xml;
-  EXPECT_TRUE(has(xml, "<key>$classname</key><string>Note</string><key>$classes</key><array>"
-                       "<string>Note</string><string>NSObject</string></array>")) << xml;
+  EXPECT_TRUE(has(xml,
+                  "<key>$classname</key><string>Note</string><key>$classes</key><array>"
+                  "<string>Note</string><string>NSObject</string></array>"))
+      << xml;
 }
 
 TEST(NSKeyedArchiverTest, WritesNilAsObjectZero) {
-  const std::string xml = xmlOf([](const NSKeyedArchiver& archiver) {
-    archiver->encodeObject(nullptr, "nothing"_ns);
-  });
+  const std::string xml =
+      xmlOf([](const NSKeyedArchiver& archiver) { archiver->encodeObject(nullptr, "nothing"_ns); });
   EXPECT_TRUE(has(xml, "<key>nothing</key>" + uid(0))) << xml;
 }
 
@@ -99,9 +103,8 @@ TEST(NSKeyedArchiverTest, TheLastValueOfAKeyCounts) {
 }
 
 TEST(NSKeyedArchiverTest, AClientsKeyIsNeverOneOfTheFormat) {
-  const std::string xml = xmlOf([](const NSKeyedArchiver& archiver) {
-    archiver->encodeInt(1, "$class"_ns);
-  });
+  const std::string xml =
+      xmlOf([](const NSKeyedArchiver& archiver) { archiver->encodeInt(1, "$class"_ns); });
   EXPECT_TRUE(has(xml, "<key>$$class</key><integer>1</integer>")) << xml;
 }
 
@@ -142,7 +145,8 @@ TEST(NSKeyedArchiverTest, CannotGoOnWhenItIsFinished) {
   const NSUInteger length = data->length();
   archiver->finishEncoding();
   EXPECT_EQ(data->length(), length);
-  EXPECT_EQ(raisedBy([&] { archiver->encodeInt(1, "a"_ns); }), "NSInvalidArchiveOperationException");
+  EXPECT_EQ(raisedBy([&] { archiver->encodeInt(1, "a"_ns); }),
+            "NSInvalidArchiveOperationException");
   EXPECT_EQ(raisedBy([&] { archiver->encodeObject(nullptr, "a"_ns); }),
             "NSInvalidArchiveOperationException");
 }
@@ -185,7 +189,8 @@ TEST(NSKeyedArchiverTest, ObjectsNestedTooDeeplyRaise) {
 TEST(NSKeyedArchiverTest, WritesToFiles) {
   const NSString path(testing::TempDir() + "note-" + std::to_string(::getpid()) + ".archive");
   EXPECT_TRUE(NSKeyedArchiver::archiveRootObject(Note::with("Milk"_ns), path));
-  EXPECT_EQ(std::string(cast<Note>(NSKeyedUnarchiver::unarchiveObjectWithFile(path))->title()), "Milk");
+  EXPECT_EQ(std::string(cast<Note>(NSKeyedUnarchiver::unarchiveObjectWithFile(path))->title()),
+            "Milk");
   ::unlink(std::string(path).c_str());
   EXPECT_FALSE(NSKeyedArchiver::archiveRootObject("x"_ns, "/no/such/folder/file"_ns));
 }

@@ -63,10 +63,13 @@ TEST(NSKeyedUnarchiverTest, ReadsCircles) {
 
 TEST(NSKeyedUnarchiverTest, ReadsANumberAsAnyOther) {
   const NSKeyedUnarchiver coder = unarchiverOf(
-      "<key>real</key><real>-7.9</real><key>true</key><true/><key>integer</key><integer>-3</integer>"
+      "<key>real</key><real>-7.9</real><key>true</key><true/><key>integer</key><integer>-3</"
+      "integer>"
       "<key>large</key><integer>18446744073709551615</integer><key>huge</key><real>1e300</real>"
       "<key>text</key><string>5</string><key>nan</key><real>nan</real>"
-      "<key>object</key>" + uid(1), "<integer>12</integer>");
+      "<key>object</key>" +
+          uid(1),
+      "<integer>12</integer>");
   EXPECT_EQ(coder->decodeIntegerForKey("real"_ns), -7);
   EXPECT_EQ(coder->decodeIntegerForKey("true"_ns), 1);
   EXPECT_EQ(coder->decodeIntegerForKey("integer"_ns), -3);
@@ -90,7 +93,8 @@ TEST(NSKeyedUnarchiverTest, ReadsANumberAsAnyOther) {
 TEST(NSKeyedUnarchiverTest, ReadsPlainValuesAsObjects) {
   const NSKeyedUnarchiver coder = unarchiverOf(
       "<key>text</key><string>abc</string><key>number</key><integer>4</integer>"
-      "<key>bytes</key><data>YWJj</data><key>zero</key>" + uid(0));
+      "<key>bytes</key><data>YWJj</data><key>zero</key>" +
+      uid(0));
   EXPECT_TRUE(coder->decodeObjectForKey("text"_ns)->isEqual("abc"_ns));
   EXPECT_TRUE(coder->decodeObjectForKey("number"_ns)->isEqual(NSNumber(4)));
   EXPECT_TRUE(coder->decodeObjectForKey("bytes"_ns)->isEqual(NSData("abc")));
@@ -99,7 +103,8 @@ TEST(NSKeyedUnarchiverTest, ReadsPlainValuesAsObjects) {
   EXPECT_TRUE(coder->containsValueForKey("zero"_ns));
   EXPECT_FALSE(coder->containsValueForKey("missing"_ns));
   NSUInteger length = 7;
-  EXPECT_EQ(std::string(static_cast<const char*>(coder->decodeBytesForKey("bytes"_ns, &length)), 3), "abc");
+  EXPECT_EQ(std::string(static_cast<const char*>(coder->decodeBytesForKey("bytes"_ns, &length)), 3),
+            "abc");
   EXPECT_EQ(length, 3U);
   EXPECT_EQ(coder->decodeBytesForKey("text"_ns, &length), nullptr);
   EXPECT_EQ(length, 0U);
@@ -108,9 +113,9 @@ TEST(NSKeyedUnarchiverTest, ReadsPlainValuesAsObjects) {
 TEST(NSKeyedUnarchiverTest, ReadsDatesInBothForms) {
   const auto plain = cast<NSDate>(read(archiveOf("<date>2001-01-02T00:00:00Z</date>")));
   EXPECT_EQ(plain->timeIntervalSinceReferenceDate(), 86400);
-  const auto object = cast<NSDate>(read(archiveOf(
-      "<dict><key>NS.time</key><real>86400.5</real><key>$class</key>" + uid(2) + "</dict>" +
-      classNamed("NSDate"))));
+  const auto object =
+      cast<NSDate>(read(archiveOf("<dict><key>NS.time</key><real>86400.5</real><key>$class</key>" +
+                                  uid(2) + "</dict>" + classNamed("NSDate"))));
   EXPECT_EQ(object->timeIntervalSinceReferenceDate(), 86400.5);
 }
 
@@ -119,7 +124,8 @@ TEST(NSKeyedUnarchiverTest, ReadsKeysThatLookLikeTheFormats) {
   const NSKeyedArchiver archiver = NSKeyedArchiver::alloc()->initForWritingWithMutableData(data);
   archiver->encodeInt(7, "$class"_ns);
   archiver->finishEncoding();
-  EXPECT_EQ(NSKeyedUnarchiver::alloc()->initForReadingWithData(data)->decodeIntForKey("$class"_ns), 7);
+  EXPECT_EQ(NSKeyedUnarchiver::alloc()->initForReadingWithData(data)->decodeIntForKey("$class"_ns),
+            7);
 }
 
 TEST(NSKeyedUnarchiverTest, ReadsValuesThatWereWrittenWithoutKeys) {
@@ -130,9 +136,9 @@ TEST(NSKeyedUnarchiverTest, ReadsValuesThatWereWrittenWithoutKeys) {
 }
 
 TEST(NSKeyedUnarchiverTest, TakesTheFirstOfTheChainForAMissingClassName) {
-  const NSData data = archiveOf(
-      "<dict><key>title</key>" + uid(3) + "<key>$class</key>" + uid(2) +
-      "</dict><dict><key>$classes</key><array><string>Note</string></array></dict><string>x</string>");
+  const NSData data = archiveOf("<dict><key>title</key>" + uid(3) + "<key>$class</key>" + uid(2) +
+                                "</dict><dict><key>$classes</key><array><string>Note</string></"
+                                "array></dict><string>x</string>");
   EXPECT_EQ(std::string(cast<Note>(read(data))->title()), "x");
 }
 
@@ -153,16 +159,18 @@ TEST(NSKeyedUnarchiverTest, MakesOtherClasses) {
 }
 
 TEST(NSKeyedUnarchiverTest, AnUnknownClassRaisesByName) {
-  const std::string reason =
-      reasonOf(archiveOf("<dict><key>$class</key>" + uid(2) + "</dict>" + classNamed("NoSuchClass")));
-  EXPECT_NE(reason.find("cannot decode object of class (NoSuchClass)"), std::string::npos) << reason;
+  const std::string reason = reasonOf(
+      archiveOf("<dict><key>$class</key>" + uid(2) + "</dict>" + classNamed("NoSuchClass")));
+  EXPECT_NE(reason.find("cannot decode object of class (NoSuchClass)"), std::string::npos)
+      << reason;
 }
 
 TEST(NSKeyedUnarchiverTest, AClassThatIsNotArchivedRaises) {
   for (const char* name : {"NSObject", "NSThread", "NSBlock", "NSProxy", "NSKeyedArchiver"}) {
     const std::string reason =
         reasonOf(archiveOf("<dict><key>$class</key>" + uid(2) + "</dict>" + classNamed(name)));
-    EXPECT_NE(reason.find("which has no initWithCoder:"), std::string::npos) << name << ": " << reason;
+    EXPECT_NE(reason.find("which has no initWithCoder:"), std::string::npos)
+        << name << ": " << reason;
   }
 }
 
@@ -176,8 +184,8 @@ TEST(NSKeyedUnarchiverTest, WhatIsNoArchiveRaises) {
   for (const NSData& data :
        {NSData(""), NSData("bplist00"), NSData("hello"), NSData("<plist></plist>"),
         NSData("<plist><array/></plist>"), with("100000", "10000"), with("$version", "version"),
-        with(">NSKeyedArchiver", ">NSArchiver"), with("$archiver", "archiver"),
-        with("$top", "top"), with("$objects", "objects"),
+        with(">NSKeyedArchiver", ">NSArchiver"), with("$archiver", "archiver"), with("$top", "top"),
+        with("$objects", "objects"),
         with("<key>$objects</key><array>", "<key>$objects</key><string/><key>x</key><array>")}) {
     EXPECT_EQ(raisedBy([&] { read(data); }), "NSInvalidArgumentException") << data->view();
   }
@@ -187,17 +195,22 @@ TEST(NSKeyedUnarchiverTest, WhatIsNoArchiveRaises) {
 TEST(NSKeyedUnarchiverTest, ABrokenObjectRaises) {
   const std::string self = "<key>$class</key>" + uid(2);
   const std::string kObjects[] = {
-        "", "<dict/>" + classNamed("Note"), "<array/>" + classNamed("Note"),
-        "<dict><key>$class</key><string>Note</string></dict>",
-        "<dict><key>$class</key>" + uid(99) + "</dict>", "<dict>" + self + "</dict><string>x</string>",
-        "<dict>" + self + "</dict><dict/>",
-        "<dict>" + self + "</dict><dict><key>$classname</key><integer>1</integer></dict>",
-        "<dict>" + self + "</dict><dict><key>$classname</key><string>Note</string>"
-        "<key>$classes</key><string>Note</string></dict>",
-        "<dict><key>next</key>" + uid(99) + self + "</dict>" + classNamed("Note"),
-        "<dict><key>NS.objects</key><array>" + uid(99) + "</array>" + self + "</dict>" +
-            classNamed("NSArray"),
-        "<dict>" + self + "<key>NS.string</key><integer>1</integer></dict>" + classNamed("NSMutableString")};
+      "",
+      "<dict/>" + classNamed("Note"),
+      "<array/>" + classNamed("Note"),
+      "<dict><key>$class</key><string>Note</string></dict>",
+      "<dict><key>$class</key>" + uid(99) + "</dict>",
+      "<dict>" + self + "</dict><string>x</string>",
+      "<dict>" + self + "</dict><dict/>",
+      "<dict>" + self + "</dict><dict><key>$classname</key><integer>1</integer></dict>",
+      "<dict>" + self +
+          "</dict><dict><key>$classname</key><string>Note</string>"
+          "<key>$classes</key><string>Note</string></dict>",
+      "<dict><key>next</key>" + uid(99) + self + "</dict>" + classNamed("Note"),
+      "<dict><key>NS.objects</key><array>" + uid(99) + "</array>" + self + "</dict>" +
+          classNamed("NSArray"),
+      "<dict>" + self + "<key>NS.string</key><integer>1</integer></dict>" +
+          classNamed("NSMutableString")};
   for (const std::string& objects : kObjects) {
     EXPECT_EQ(raisedBy([&] { read(archiveOf(objects)); }), "NSInvalidUnarchiveOperationException")
         << objects;
@@ -241,7 +254,8 @@ TEST(NSKeyedUnarchiverTest, ObjectsNestedTooDeeplyRaise) {
   constexpr int kDepth = 200000;
   std::string objects;
   for (int i = 1; i <= kDepth; ++i) {
-    objects += "<dict><key>next</key>" + uid(i + 1) + "<key>$class</key>" + uid(kDepth + 1) + "</dict>";
+    objects +=
+        "<dict><key>next</key>" + uid(i + 1) + "<key>$class</key>" + uid(kDepth + 1) + "</dict>";
   }
   const NSData data = archiveOf(objects + classNamed("Note"));
   EXPECT_EQ(raisedBy([&] { read(data); }), "NSInvalidUnarchiveOperationException");
@@ -273,7 +287,8 @@ TEST(NSKeyedUnarchiverTest, CannotGoOnWhenItIsFinished) {
   coder->finishDecoding();
   EXPECT_EQ(raisedBy([] { NSKeyedUnarchiver::new_()->decodeIntForKey("a"_ns); }),
             "NSInvalidUnarchiveOperationException");
-  EXPECT_EQ(raisedBy([] { unarchiverOf("")->decodeIntForKey(nullptr); }), "NSInvalidArgumentException");
+  EXPECT_EQ(raisedBy([] { unarchiverOf("")->decodeIntForKey(nullptr); }),
+            "NSInvalidArgumentException");
   EXPECT_EQ(raisedBy([] { NSKeyedUnarchiver::alloc()->initForReadingWithData(nullptr); }),
             "NSInvalidArgumentException");
 }

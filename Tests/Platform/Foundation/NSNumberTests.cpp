@@ -84,8 +84,9 @@ TEST(NSNumberTest, ComparesExactlyAcrossTypes) {
   EXPECT_EQ(NSNumber(9007199254740992.0)->compare(NSNumber(large)), NSOrderedAscending);
   EXPECT_EQ(NSNumber(-1)->compare(NSNumber(~0UL)), NSOrderedAscending);
   EXPECT_EQ(NSNumber(~0UL)->compare(NSNumber(1.8446744073709552e19)), NSOrderedAscending);
-  EXPECT_EQ(NSNumber(std::numeric_limits<std::int64_t>::min())->compare(NSNumber(-9223372036854775808.0)),
-            NSOrderedSame);
+  EXPECT_EQ(
+      NSNumber(std::numeric_limits<std::int64_t>::min())->compare(NSNumber(-9223372036854775808.0)),
+      NSOrderedSame);
   EXPECT_EQ(NSNumber(2)->compare(NSNumber(2.5)), NSOrderedAscending);
   EXPECT_EQ(NSNumber(-2)->compare(NSNumber(-2.5)), NSOrderedDescending);
   EXPECT_EQ(NSNumber(1)->compare(NSNumber(kInfinity)), NSOrderedAscending);

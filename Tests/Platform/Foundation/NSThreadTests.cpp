@@ -18,7 +18,8 @@ TEST(NSThreadTest, EveryThreadHasADictionaryOfItsOwn) {
     EXPECT_TRUE(NSThread::currentThread() == NSThread::currentThread());
     EXPECT_FALSE(NSThread::currentThread() == NSThread::mainThread());
   }).join();
-  EXPECT_TRUE(NSThread::currentThread()->threadDictionary()->objectForKey("who"_ns)->isEqual("main"_ns));
+  EXPECT_TRUE(
+      NSThread::currentThread()->threadDictionary()->objectForKey("who"_ns)->isEqual("main"_ns));
   NSThread::currentThread()->threadDictionary()->removeAllObjects();
 }
 

@@ -83,10 +83,10 @@ TEST(AssociationTest, EveryPolicy) {
 TEST(AssociationTest, ReplacingReleasesTheOldValueAfterTheNewOneIsThere) {
   const NSObject object = NSObject::new_();
   id during;
-  objc_setAssociatedObject(
-      object, &kKey,
-      Ender::with([&](const Ender&) { during = objc_getAssociatedObject(object, &kKey); }),
-      OBJC_ASSOCIATION_RETAIN);
+  objc_setAssociatedObject(object, &kKey, Ender::with([&](const Ender&) {
+                             during = objc_getAssociatedObject(object, &kKey);
+                           }),
+                           OBJC_ASSOCIATION_RETAIN);
   const Mortal next = Mortal::new_();
   objc_setAssociatedObject(object, &kKey, next, OBJC_ASSOCIATION_RETAIN);
   EXPECT_TRUE(during == next);
@@ -174,9 +174,7 @@ TEST(AssociationTest, RaisesLeaveSettersAndRemoval) {
   const NSObject object = NSObject::new_();
   objc_setAssociatedObject(object, &kKey, Ender::raising("replaced"), OBJC_ASSOCIATION_RETAIN);
   const Mortal next = Mortal::new_();
-  EXPECT_EQ(raised([&] {
-              objc_setAssociatedObject(object, &kKey, next, OBJC_ASSOCIATION_RETAIN);
-            }),
+  EXPECT_EQ(raised([&] { objc_setAssociatedObject(object, &kKey, next, OBJC_ASSOCIATION_RETAIN); }),
             "replaced");
   EXPECT_TRUE(objc_getAssociatedObject(object, &kKey) == next);
   objc_setAssociatedObject(object, &kKey, Ender::raising("removed"), OBJC_ASSOCIATION_RETAIN);

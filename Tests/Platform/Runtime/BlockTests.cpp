@@ -192,7 +192,8 @@ TEST(BlockTest, ExceptionsPass) {
   const Block<void()> block = [] { throw std::runtime_error("from a block"); };
   EXPECT_EQ(raised([&] { block(); }), "from a block");
   EXPECT_EQ(block->retainCount(), 1u);
-  EXPECT_EQ(raised([] { call([](int) -> int { throw std::runtime_error("stack"); }, 1); }), "stack");
+  EXPECT_EQ(raised([] { call([](int) -> int { throw std::runtime_error("stack"); }, 1); }),
+            "stack");
 }
 
 TEST(BlockTest, ALambdaWhoseCopyThrowsLeavesNothing) {
@@ -211,8 +212,8 @@ TEST(BlockTest, ALambdaWhoseCopyThrowsLeavesNothing) {
 }
 
 TEST(BlockTest, EveryKindOfArgumentAndResult) {
-  const Block<Mortal(const Mortal&, bool*, double)> block =
-      [](const Mortal& object, bool* stop, double d) -> Mortal {
+  const Block<Mortal(const Mortal&, bool*, double)> block = [](const Mortal& object, bool* stop,
+                                                               double d) -> Mortal {
     *stop = d > 1;
     return object;
   };
@@ -231,9 +232,7 @@ TEST(BlockTest, EveryKindOfArgumentAndResult) {
   EXPECT_FALSE(fails(nullptr));
   const Block<Class(Class)> super = [](Class c) { return class_getSuperclass(c); };
   EXPECT_TRUE(super(Mortal::class_()) == NSObject::class_());
-  const Block<void(const Block<int()>&)> nested = [](const Block<int()>& b) {
-    EXPECT_EQ(b(), 3);
-  };
+  const Block<void(const Block<int()>&)> nested = [](const Block<int()>& b) { EXPECT_EQ(b(), 3); };
   nested([] { return 3; });
 }
 

@@ -1,4 +1,5 @@
-// The tables that sends are looked up in: sharing, unsharing, growth, and a naive model beside them.
+// The tables that sends are looked up in: sharing, unsharing, growth, and a naive model beside
+// them.
 #include <Brindle/Platform/Method.h>
 
 #include <atomic>
@@ -20,14 +21,15 @@ TypedImplementation answering() {
 }
 
 const std::vector<TypedImplementation>& answers() {
-  static const std::vector<TypedImplementation> all{
-      answering<0>(), answering<1>(), answering<2>(), answering<3>(),
-      answering<4>(), answering<5>(), answering<6>(), answering<7>()};
+  static const std::vector<TypedImplementation> all{answering<0>(), answering<1>(), answering<2>(),
+                                                    answering<3>(), answering<4>(), answering<5>(),
+                                                    answering<6>(), answering<7>()};
   return all;
 }
 
 void add(Class cls, SEL s, std::size_t answer) {
-  ASSERT_EQ(class_addMethod(cls, s, answers()[answer].implementation, answers()[answer].types), YES);
+  ASSERT_EQ(class_addMethod(cls, s, answers()[answer].implementation, answers()[answer].types),
+            YES);
 }
 
 int ask(const id& object, SEL s) { return sendSelector<int>(object, s); }

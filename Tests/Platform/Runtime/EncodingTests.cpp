@@ -97,8 +97,7 @@ TEST(EncodingTest, EveryType) {
 }
 
 TEST(EncodingTest, OffsetsCountAsThePlatformCounts) {
-  EXPECT_STREQ((methodTypes<void, bool, std::int16_t, int, double>.c_str()),
-               "v36@0:8c16s20i24d28");
+  EXPECT_STREQ((methodTypes<void, bool, std::int16_t, int, double>.c_str()), "v36@0:8c16s20i24d28");
   EXPECT_STREQ((methodTypes<Rect, Range, id>.c_str()),
                "{Rect={_Range=QQ}{_Range=QQ}}40@0:8{_Range=QQ}16@32");
   EXPECT_STREQ((methodTypes<id, const char*, NSObject*>.c_str()), "@32@0:8r*16^@24");

@@ -47,9 +47,15 @@ class Machine : public Interface<Machine, Mortal> {
 };
 
 constexpr MethodDefinition kMachineMethods[] = {
-    method<"int8:">([](const Machine&, std::int8_t n) -> std::int8_t { return static_cast<std::int8_t>(n - 1); }),
-    method<"uint8:">([](const Machine&, std::uint8_t n) -> std::uint8_t { return static_cast<std::uint8_t>(n + 1); }),
-    method<"int16:">([](const Machine&, std::int16_t n) -> std::int16_t { return static_cast<std::int16_t>(n - 1); }),
+    method<"int8:">([](const Machine&, std::int8_t n) -> std::int8_t {
+      return static_cast<std::int8_t>(n - 1);
+    }),
+    method<"uint8:">([](const Machine&, std::uint8_t n) -> std::uint8_t {
+      return static_cast<std::uint8_t>(n + 1);
+    }),
+    method<"int16:">([](const Machine&, std::int16_t n) -> std::int16_t {
+      return static_cast<std::int16_t>(n - 1);
+    }),
     method<"flag:">([](const Machine&, bool b) { return !b; }),
     method<"float:">([](const Machine&, float f) { return f / 2; }),
     method<"double:">([](const Machine&, double d) { return d / 2; }),
@@ -61,18 +67,22 @@ constexpr MethodDefinition kMachineMethods[] = {
     method<"classOf:">([](const Machine&, Class c) -> Class { return class_getSuperclass(c); }),
     method<"selectorOf:">([](const Machine&, SEL s) -> SEL { return s; }),
     method<"text:">([](const Machine&, const char* t) -> const char* { return t + 1; }),
-    method<"triple:">([](const Machine&, Triple t) { return Triple{t.z, t.x, t.y}; }),
-    method<"pair:">([](const Machine&, Pair p) { return Pair{p.second, p.first}; }),
+    method<"triple:">([](const Machine&, Triple t) {
+      return Triple{t.z, t.x, t.y};
+    }),
+    method<"pair:">([](const Machine&, Pair p) {
+      return Pair{p.second, p.first};
+    }),
     method<"mixed:">([](const Machine&, Mixed m) {
       return Mixed{static_cast<std::int8_t>(-m.small), -m.large};
     }),
     method<"nothing">([](const Machine& self) { self->setTag(77); }),
-    method<"many:a:b:c:d:e:f:g:h:">(
-        [](const Machine&, int a, double b, NSInteger c, float d, std::int8_t e, const id& f, Pair g,
-           Triple h, bool i) -> double {
-          return a + b + static_cast<double>(c) + static_cast<double>(d) + e + (f ? 1 : 0) +
-                 static_cast<double>(g.first) + h.z + (i ? 1000 : 0);
-        }),
+    method<"many:a:b:c:d:e:f:g:h:">([](const Machine&, int a, double b, NSInteger c, float d,
+                                       std::int8_t e, const id& f, Pair g, Triple h,
+                                       bool i) -> double {
+      return a + b + static_cast<double>(c) + static_cast<double>(d) + e + (f ? 1 : 0) +
+             static_cast<double>(g.first) + h.z + (i ? 1000 : 0);
+    }),
     method<"fail:error:">([](const Machine&, int how, NSObject* error) {
       if (how == 1) *error = Mortal::new_();
       if (how == 2) *error = nullptr;
@@ -190,10 +200,10 @@ void expectEverything(const id& machine) {
   EXPECT_EQ(mixed.small, -3);
   EXPECT_EQ(mixed.large, -2.5);
   send<"nothing">(machine);
-  EXPECT_EQ((send<"many:a:b:c:d:e:f:g:h:", double>(machine, 1, 2.5, NSInteger{-3}, 4.5F,
-                                                   std::int8_t{-5}, object, Pair{6, 0},
-                                                   Triple{0, 0, 7}, true)),
-            1 + 2.5 - 3 + 4.5 - 5 + 1 + 6 + 7 + 1000);
+  EXPECT_EQ(
+      (send<"many:a:b:c:d:e:f:g:h:", double>(machine, 1, 2.5, NSInteger{-3}, 4.5F, std::int8_t{-5},
+                                             object, Pair{6, 0}, Triple{0, 0, 7}, true)),
+      1 + 2.5 - 3 + 4.5 - 5 + 1 + 6 + 7 + 1000);
   NSObject error;
   NSObject* slot = &error;
   EXPECT_TRUE((send<"fail:error:", bool>(machine, 0, slot)));
@@ -275,9 +285,8 @@ TEST_F(ForwardingTest, AReceiverThatNamesItselfIsNotAskedForEver) {
 
 TEST_F(ForwardingTest, ClassesForwardToo) {
   const Class cls = makeClass(NSObject::class_());
-  addMethod<"forwardingTargetForSelector:">(object_getClass(cls), [](const Class&, SEL) -> id {
-    return Machine::new_();
-  });
+  addMethod<"forwardingTargetForSelector:">(
+      object_getClass(cls), [](const Class&, SEL) -> id { return Machine::new_(); });
   EXPECT_EQ((send<"int32:", int>(cls, 2)), 1);
 }
 
@@ -308,9 +317,8 @@ TEST_F(ForwardingTest, ARootClassForwardsWithTwoOperations) {
   });
   EXPECT_NE(raised([&] { send<"int32:", int>(object, 5); }).find(text), std::string::npos)
       << "it has one";
-  addMethod<"forwardInvocation:">(root, [](const id&, const NSInvocation& call) {
-    call->invokeWithTarget(Machine::new_());
-  });
+  addMethod<"forwardInvocation:">(
+      root, [](const id&, const NSInvocation& call) { call->invokeWithTarget(Machine::new_()); });
   EXPECT_EQ((send<"int32:", int>(object, 5)), 4);
   EXPECT_NE(raised([&] { send<"unknown">(object); }).find("unrecognized selector"),
             std::string::npos);
@@ -346,7 +354,11 @@ TEST_F(ForwardingTest, ResultsOfOtherTypesAreConvertedOrZero) {
       {"f16@0:8", [](const NSInvocation& i) { i->setResult<float>(2.5F); }, 0, 0, 2.5},
       {"d16@0:8", [](const NSInvocation& i) { i->setResult<double>(2.5); }, 0, 0, 2.5},
       {"@16@0:8", [](const NSInvocation& i) { i->setResult<id>(Mortal::new_()); }, 0, 0, 0},
-      {"{Pair=QQ}16@0:8", [](const NSInvocation& i) { i->setResult(Pair{1, 2}); }, 0, 0, 0},
+      {"{Pair=QQ}16@0:8",
+       [](const NSInvocation& i) {
+         i->setResult(Pair{1, 2});
+       },
+       0, 0, 0},
       {"v16@0:8", {}, 0, 0, 0},
   };
   for (const auto& c : kCases) {
@@ -363,9 +375,8 @@ TEST_F(ForwardingTest, ResultsOfOtherTypesAreConvertedOrZero) {
 
 TEST_F(ForwardingTest, ArgumentsOfOtherTypesAreConverted) {
   NSInteger seen = 0;
-  const Liar wide = Liar::with("v24@0:8q16", [&seen](const NSInvocation& call) {
-    seen = call->argument<NSInteger>(2);
-  });
+  const Liar wide = Liar::with(
+      "v24@0:8q16", [&seen](const NSInvocation& call) { seen = call->argument<NSInteger>(2); });
   send<"take:">(wide, -1);
   EXPECT_EQ(seen, -1);
   send<"take:">(wide, std::int8_t{-5});
@@ -378,9 +389,9 @@ TEST_F(ForwardingTest, ArgumentsOfOtherTypesAreConverted) {
 TEST_F(ForwardingTest, ATargetOfOtherTypesIsRefused) {
   const Delegating delegating = Delegating::new_();
   delegating->setHeld(Machine::new_());
-  EXPECT_NE(raised([&] { send<"int32:", double>(delegating, 1.0); })
-                .find("NSInvalidArgumentException"),
-            std::string::npos);
+  EXPECT_NE(
+      raised([&] { send<"int32:", double>(delegating, 1.0); }).find("NSInvalidArgumentException"),
+      std::string::npos);
 }
 
 TEST_F(ForwardingTest, AnAnswerNobodyTakesIsReleased) {
@@ -408,9 +419,8 @@ TEST_F(ForwardingTest, RaisesPassEverySide) {
     if (s == selector<"early">()) throw std::runtime_error("signature");
     return NSMethodSignature::signatureWithObjCTypes("i16@0:8");
   });
-  addMethod<"forwardInvocation:">(cls, [](const NSObject&, const NSInvocation&) {
-    throw std::runtime_error("forward");
-  });
+  addMethod<"forwardInvocation:">(
+      cls, [](const NSObject&, const NSInvocation&) { throw std::runtime_error("forward"); });
   const id object = send<"new", id>(cls);
   EXPECT_EQ(raised([&] { send<"early">(object); }), "signature");
   EXPECT_EQ(raised([&] { send<"late", int>(object); }), "forward");
@@ -434,13 +444,13 @@ TEST_F(ForwardingTest, TheForwardingEntryTakesAndAnswersEveryType) {
   EXPECT_EQ((callImplementation<std::int8_t>(entryFor(selector<"int8:">()), relay,
                                              selector<"int8:">(), std::int8_t{-3})),
             -4);
-  EXPECT_TRUE((callImplementation<bool>(entryFor(selector<"flag:">()), relay, selector<"flag:">(),
-                                        false)));
-  EXPECT_EQ(callImplementation<float>(entryFor(selector<"float:">()), relay, selector<"float:">(),
-                                      5.0F),
-            2.5F);
-  const Mortal made = callImplementation<Mortal>(entryFor(selector<"newObject">()), relay,
-                                                 selector<"newObject">());
+  EXPECT_TRUE(
+      (callImplementation<bool>(entryFor(selector<"flag:">()), relay, selector<"flag:">(), false)));
+  EXPECT_EQ(
+      callImplementation<float>(entryFor(selector<"float:">()), relay, selector<"float:">(), 5.0F),
+      2.5F);
+  const Mortal made =
+      callImplementation<Mortal>(entryFor(selector<"newObject">()), relay, selector<"newObject">());
   EXPECT_EQ(made->retainCount(), 1u);
   EXPECT_EQ(raised([&] {
               callImplementation<int>(entryFor(selector<"raise">()), relay, selector<"raise">());

@@ -79,7 +79,8 @@ constexpr ClassRecord* kClasses[] = {&LoadLeaf::classPair.cls, &LoadAlone::class
 
 std::string names(Class cls) {
   std::string text;
-  for (Method m : class_copyMethodList(cls)) text += std::string(sel_getName(method_getName(m))) + " ";
+  for (Method m : class_copyMethodList(cls))
+    text += std::string(sel_getName(method_getName(m))) + " ";
   return text;
 }
 
@@ -131,13 +132,13 @@ TEST_F(ImageTest, ACategoryBringsPropertiesAndProtocols) {
   EXPECT_TRUE(LoadLeaf::class_()->conformsToProtocol(kLoaded));
 }
 
-constexpr CategoryDefinition kOutdated{.version = kDefinitionVersion + 1,
-                                       .name = "Outdated",
-                                       .cls = &LoadBase::classPair.cls};
+constexpr CategoryDefinition kOutdated{
+    .version = kDefinitionVersion + 1, .name = "Outdated", .cls = &LoadBase::classPair.cls};
 constexpr const CategoryDefinition* kOutdatedList[] = {&kOutdated};
 
 TEST(ImageDeathTest, ACategoryOfAnotherLayoutIsRefused) {
-  EXPECT_DEATH(attachImage({.categories = kOutdatedList}), "category Outdated was built for layout");
+  EXPECT_DEATH(attachImage({.categories = kOutdatedList}),
+               "category Outdated was built for layout");
 }
 
 }  // namespace

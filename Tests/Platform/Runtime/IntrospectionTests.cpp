@@ -105,7 +105,8 @@ TEST(IntrospectionTest, VariablesAreAddedBeforeTheClassIsRegistered) {
   EXPECT_STREQ(ivar_getTypeEncoding(class_getInstanceVariable(cls, "d")), "[100c]");
 }
 
-// The variables of a subclass lie behind those of its superclass, whose size must not change any more.
+// The variables of a subclass lie behind those of its superclass, whose size must not change any
+// more.
 TEST(IntrospectionTest, AClassWithSubclassesTakesNoMoreVariables) {
   const Class cls = objc_allocateClassPair(NSObject::class_(), uniqueName("Super").c_str(), 0);
   EXPECT_EQ(class_addIvar(cls, "a", 8, 3, "q"), YES);

@@ -33,7 +33,8 @@ namespace {
 
 std::string names(Class cls) {
   std::string text;
-  for (Method m : class_copyMethodList(cls)) text += std::string(sel_getName(method_getName(m))) + " ";
+  for (Method m : class_copyMethodList(cls))
+    text += std::string(sel_getName(method_getName(m))) + " ";
   return text;
 }
 
@@ -73,17 +74,21 @@ TEST(MethodTest, FindsOwnAndInheritedMethodsOfInstancesAndClasses) {
             class_getInstanceMethod(Listed::class_(), selector<"first">()));
   EXPECT_EQ(class_getInstanceMethod(made, selector<"ofClass">()), nullptr);
   Method ofClass = class_getClassMethod(made, selector<"ofClass">());
-  EXPECT_EQ(ofClass, class_getInstanceMethod(object_getClass(Listed::class_()), selector<"ofClass">()));
+  EXPECT_EQ(ofClass,
+            class_getInstanceMethod(object_getClass(Listed::class_()), selector<"ofClass">()));
   EXPECT_EQ(ofClass, class_getClassMethod(object_getClass(made), selector<"ofClass">()));
-  EXPECT_NE(class_getClassMethod(made, selector<"hash">()), nullptr) << "the root's are on its class";
+  EXPECT_NE(class_getClassMethod(made, selector<"hash">()), nullptr)
+      << "the root's are on its class";
   EXPECT_EQ(class_getInstanceMethod(made, uniqueSelector("none")), nullptr);
 }
 
 TEST(MethodTest, AddingOverridesButNeverReplaces) {
   const Class made = makeClass(Listed::class_());
   const id object = send<"new", id>(made);
-  EXPECT_EQ(class_addMethod(made, selector<"first">(), answering<7>().implementation, "i16@0:8"), YES);
-  EXPECT_EQ(class_addMethod(made, selector<"first">(), answering<8>().implementation, "i16@0:8"), NO);
+  EXPECT_EQ(class_addMethod(made, selector<"first">(), answering<7>().implementation, "i16@0:8"),
+            YES);
+  EXPECT_EQ(class_addMethod(made, selector<"first">(), answering<8>().implementation, "i16@0:8"),
+            NO);
   EXPECT_EQ((send<"first", int>(object)), 7);
   EXPECT_EQ((send<"first", int>(Listed::new_())), 1);
 }

@@ -81,7 +81,8 @@ TEST(MonitorTest, AnotherThreadWaits) {
 }
 
 TEST(MonitorTest, TwoObjectsNeverShareOne) {
-  // A lock that any two shared would wait for ever. (ThreadSanitizer follows 64 held locks at most.)
+  // A lock that any two shared would wait for ever. (ThreadSanitizer follows 64 held locks at
+  // most.)
   std::vector<NSObject> held;
   std::vector<NSObject> others;
   for (int i = 0; i < 40; ++i) held.push_back(NSObject::new_());

@@ -40,13 +40,14 @@ constexpr MethodDefinition kCalleeMethods[] = {
     method<"join:with:">([](const Callee&, const char* a, const char* b) -> NSUInteger {
       return std::string(a).size() * 100 + std::string(b).size();
     }),
-    method<"grow:">([](const Callee&, Box b) { return Box{b.depth, b.left, b.top, b.width, b.height}; }),
+    method<"grow:">([](const Callee&, Box b) {
+      return Box{b.depth, b.left, b.top, b.width, b.height};
+    }),
     method<"run:">([](const Callee&, const Block<int()>& block) { return block(); }),
     method<"raise">([](const Callee&) { throw std::runtime_error("called"); }),
-    method<"a:b:c:d:e:f:g:h:i:j:">(
-        [](const Callee&, int a, int b, int c, int d, int e, int f, int g, int h, int i, int j) {
-          return a + b + c + d + e + f + g + h + i + j;
-        }),
+    method<"a:b:c:d:e:f:g:h:i:j:">([](const Callee&, int a, int b, int c, int d, int e, int f,
+                                      int g, int h, int i,
+                                      int j) { return a + b + c + d + e + f + g + h + i + j; }),
 };
 constexpr ClassDefinition kCallee{.name = "Callee", .methods = kCalleeMethods};
 
@@ -90,8 +91,9 @@ TEST_F(NSInvocationTest, BeginsZeroed) {
   EXPECT_EQ(call->argument<NSInteger>(3), 0);
   EXPECT_FALSE(call->result<id>());
   EXPECT_FALSE(call->argumentsRetained());
-  EXPECT_NE(raised([] { NSInvocation::invocationWithMethodSignature(nullptr); })
-                .find("NSInvalidArgumentException"),
+  EXPECT_NE(raised([] {
+              NSInvocation::invocationWithMethodSignature(nullptr);
+            }).find("NSInvalidArgumentException"),
             std::string::npos);
 }
 

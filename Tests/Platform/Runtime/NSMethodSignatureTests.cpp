@@ -43,21 +43,51 @@ TEST(NSMethodSignatureTest, SizesOfResults) {
     const char* type;
     NSUInteger size;
   } kTypes[] = {
-      {"v", 0},  {"c", 1},   {"C", 1},  {"B", 1}, {"s", 2},   {"S", 2},  {"i", 4},
-      {"I", 4},  {"l", 4},   {"L", 4},  {"q", 8}, {"Q", 8},   {"f", 4},  {"d", 8},
-      {"D", 16}, {"@", 8},   {"#", 8},  {":", 8}, {"*", 8},   {"r*", 8}, {"^v", 8},
-      {"^@", 8}, {"@?", 8},  {"^?", 8}, {"^i", 8}, {"^^{Opaque}", 8},
-      {"@\"NSString\"", 8}, {"{_NSRange=QQ}", 16}, {"{Mixed=cd}", 16}, {"{Odd=ccc}", 3},
-      {"{Rect={Point=dd}{Size=dd}}", 32}, {"^{_NSZone=}", 8}, {"^{Opaque}", 8},
-      {"^{Buffer=[16c]i}", 8}, {"^[12i]", 8}, {"^(Either=if)", 8}, {"^{Bits=b3b5}", 8},
-      {"{_NSRange=\"location\"Q\"length\"Q}", 16}, {"Vv", 0}, {"{Tail=qc}", 16},
+      {"v", 0},
+      {"c", 1},
+      {"C", 1},
+      {"B", 1},
+      {"s", 2},
+      {"S", 2},
+      {"i", 4},
+      {"I", 4},
+      {"l", 4},
+      {"L", 4},
+      {"q", 8},
+      {"Q", 8},
+      {"f", 4},
+      {"d", 8},
+      {"D", 16},
+      {"@", 8},
+      {"#", 8},
+      {":", 8},
+      {"*", 8},
+      {"r*", 8},
+      {"^v", 8},
+      {"^@", 8},
+      {"@?", 8},
+      {"^?", 8},
+      {"^i", 8},
+      {"^^{Opaque}", 8},
+      {"@\"NSString\"", 8},
+      {"{_NSRange=QQ}", 16},
+      {"{Mixed=cd}", 16},
+      {"{Odd=ccc}", 3},
+      {"{Rect={Point=dd}{Size=dd}}", 32},
+      {"^{_NSZone=}", 8},
+      {"^{Opaque}", 8},
+      {"^{Buffer=[16c]i}", 8},
+      {"^[12i]", 8},
+      {"^(Either=if)", 8},
+      {"^{Bits=b3b5}", 8},
+      {"{_NSRange=\"location\"Q\"length\"Q}", 16},
+      {"Vv", 0},
+      {"{Tail=qc}", 16},
   };
   for (const auto& t : kTypes) {
     const std::string types = std::string(t.type) + "16@0:8";
     NSMethodSignature signature;
-    EXPECT_EQ(raised([&] {
-                signature = NSMethodSignature::signatureWithObjCTypes(types.c_str());
-              }),
+    EXPECT_EQ(raised([&] { signature = NSMethodSignature::signatureWithObjCTypes(types.c_str()); }),
               "");
     EXPECT_EQ(signature->methodReturnLength(), t.size) << t.type;
   }
@@ -72,14 +102,18 @@ TEST(NSMethodSignatureTest, QualifiersBelongToTheirTypes) {
 }
 
 TEST(NSMethodSignatureTest, TextThatIsNoEncodingRaises) {
-  EXPECT_NE(raised([] { NSMethodSignature::signatureWithObjCTypes(nullptr); })
-                .find("NSInvalidArgumentException"),
+  EXPECT_NE(raised([] {
+              NSMethodSignature::signatureWithObjCTypes(nullptr);
+            }).find("NSInvalidArgumentException"),
             std::string::npos);
-  for (const char* text : {"", "v", "v@", "x@:", "v16@0:8x16", "v@:v", "v@:{", "v@:{A", "v@:{A=",
-                           "v@:{A=i", "v@:{A=}", "v@:{A}", "v@:^", "v@:\"", "v@:@\"NSString", "{A=v}@:",
-                           "v@:[4i]", "v@:(U=i)", "v@:b4", "v@: ", "v@:^{A", "v@:^[4", "@", "8@0:8"}) {
-    EXPECT_NE(raised([text] { NSMethodSignature::signatureWithObjCTypes(text); })
-                  .find("NSInvalidArgumentException"),
+  for (const char* text : {"",        "v",       "v@",       "x@:",    "v16@0:8x16",
+                           "v@:v",    "v@:{",    "v@:{A",    "v@:{A=", "v@:{A=i",
+                           "v@:{A=}", "v@:{A}",  "v@:^",     "v@:\"",  "v@:@\"NSString",
+                           "{A=v}@:", "v@:[4i]", "v@:(U=i)", "v@:b4",  "v@: ",
+                           "v@:^{A",  "v@:^[4",  "@",        "8@0:8"}) {
+    EXPECT_NE(raised([text] {
+                NSMethodSignature::signatureWithObjCTypes(text);
+              }).find("NSInvalidArgumentException"),
               std::string::npos)
         << text;
   }
@@ -100,8 +134,9 @@ TEST(NSMethodSignatureTest, HostileEncodings) {
 
 TEST(NSMethodSignatureTest, IndicesBeyondTheLastRaise) {
   const auto signature = NSMethodSignature::signatureWithObjCTypes("v16@0:8");
-  EXPECT_NE(raised([&] { signature->getArgumentTypeAtIndex(2); }).find("NSInvalidArgumentException"),
-            std::string::npos);
+  EXPECT_NE(
+      raised([&] { signature->getArgumentTypeAtIndex(2); }).find("NSInvalidArgumentException"),
+      std::string::npos);
   EXPECT_NE(raised([&] { signature->getArgumentTypeAtIndex(~NSUInteger{0}); }), "");
 }
 

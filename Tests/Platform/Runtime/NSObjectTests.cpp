@@ -67,8 +67,9 @@ TEST(NSObjectTest, PerformsMessagesByName) {
   EXPECT_TRUE(holder->performSelector(selector<"held">()) == object);
   EXPECT_NE(raised([&] { holder->performSelector(nullptr); }).find("NSInvalidArgumentException"),
             std::string::npos);
-  EXPECT_NE(raised([&] { holder->performSelector(selector<"setTag:">(), object); })
-                .find("which takes other arguments"),
+  EXPECT_NE(raised([&] {
+              holder->performSelector(selector<"setTag:">(), object);
+            }).find("which takes other arguments"),
             std::string::npos);
   EXPECT_TRUE(holder->performSelector(selector<"tag">()) == nullptr) << "no object is answered";
 }
@@ -99,7 +100,8 @@ TEST(NSObjectTest, DescribesItselfByClassAndAddress) {
 }
 
 TEST(NSObjectTest, RaisesForWhatItDoesNotAnswer) {
-  const std::string text = raised([] { NSObject::new_()->doesNotRecognizeSelector(selector<"fly:">()); });
+  const std::string text =
+      raised([] { NSObject::new_()->doesNotRecognizeSelector(selector<"fly:">()); });
   EXPECT_NE(text.find("-[NSObject fly:]"), std::string::npos) << text;
   EXPECT_NE(text.find("unrecognized selector"), std::string::npos) << text;
 }

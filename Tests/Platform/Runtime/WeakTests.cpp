@@ -20,8 +20,10 @@ static_assert(std::is_nothrow_copy_constructible_v<Weak<Mortal>>);
 TEST(WeakTest, Tour) {
   Mortal object = Mortal::new_();
   const Weak<Mortal> weak = object;
-  if (const Mortal strong = weak.lock()) EXPECT_TRUE(strong == object);
-  else ADD_FAILURE();
+  if (const Mortal strong = weak.lock())
+    EXPECT_TRUE(strong == object);
+  else
+    ADD_FAILURE();
   EXPECT_EQ(object->retainCount(), 1u);
   object = nullptr;
   EXPECT_FALSE(weak.lock());
@@ -134,7 +136,8 @@ TEST(WeakTest, RacesWithTheLastRelease) {
     const Weak<Mortal> weak = object;
     std::atomic<bool> go{false};
     std::thread reader([&go, &seen, weak] {
-      while (!go) {}
+      while (!go) {
+      }
       for (int i = 0; i < 3; ++i) {
         if (const Mortal strong = weak.lock()) seen += strong->tag() == 7 ? 1 : 1000000;
       }

@@ -12,7 +12,8 @@ using namespace brindle::internal;
 
 namespace {
 
-void expectDay(const CivilDay& day, std::int64_t year, std::int64_t month, std::int64_t dayOfMonth) {
+void expectDay(const CivilDay& day, std::int64_t year, std::int64_t month,
+               std::int64_t dayOfMonth) {
   EXPECT_EQ(day.year, year);
   EXPECT_EQ(day.month, month);
   EXPECT_EQ(day.day, dayOfMonth);
@@ -32,8 +33,9 @@ TEST(CivilTime, FieldsCarry) {
     CivilDay given;
     CivilDay meant;
   } cases[] = {
-      {{2020, 2, 31}, {2020, 3, 2}},   {{2021, 2, 31}, {2021, 3, 3}}, {{2021, 13, 1}, {2022, 1, 1}},
-      {{2021, -1, 1}, {2020, 11, 1}},  {{2021, 3, 0}, {2021, 2, 28}}, {{2021, 3, -40}, {2021, 1, 19}},
+      {{2020, 2, 31}, {2020, 3, 2}},   {{2021, 2, 31}, {2021, 3, 3}},
+      {{2021, 13, 1}, {2022, 1, 1}},   {{2021, -1, 1}, {2020, 11, 1}},
+      {{2021, 3, 0}, {2021, 2, 28}},   {{2021, 3, -40}, {2021, 1, 19}},
       {{1582, 10, 5}, {1582, 10, 15}}, {{1582, 10, 14}, {1582, 10, 24}},
       {{1582, 9, 31}, {1582, 10, 1}},  {{1582, 9, 60}, {1582, 10, 30}},
       {{1583, 1, -89}, {1582, 10, 3}}, {{0, 0, 0}, {-1, 11, 30}},
@@ -48,9 +50,7 @@ TEST(CivilTime, TheDayBeforeTheGregorianCalendarIsTheFourthOfOctober) {
   expectDay(civilDay(dayNumber({1582, 10, 15}) - 1), 1582, 10, 4);
 }
 
-TEST(CivilTime, TheFloorOfLenientFields) {
-  EXPECT_EQ(dayNumber({0, 0, 0}) * 86400, -62170156800);
-}
+TEST(CivilTime, TheFloorOfLenientFields) { EXPECT_EQ(dayNumber({0, 0, 0}) * 86400, -62170156800); }
 
 TEST(CivilTime, EveryDayOfManyCenturiesComesBack) {
   for (std::int64_t day = dayNumber({-5000, 1, 1}); day < dayNumber({6000, 1, 1}); ++day) {

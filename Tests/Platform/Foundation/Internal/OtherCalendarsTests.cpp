@@ -17,7 +17,8 @@ TEST(OtherCalendars, Tour) {
 }
 
 TEST(OtherCalendars, NamesOfCalendars) {
-  for (const char* name : {"buddhist", "japanese", "hebrew", "chinese", "persian", "islamic-civil"}) {
+  for (const char* name :
+       {"buddhist", "japanese", "hebrew", "chinese", "persian", "islamic-civil"}) {
     EXPECT_TRUE(isCalendar(name)) << name;
   }
   for (const char* name : {"", "nonsense", "buddhist;currency=EUR", "x@y"}) {

@@ -19,9 +19,12 @@ constexpr std::int64_t kJuly = 1719792000;     // 2024-07-01
 /// The variable TZ, to the end of the scope.
 class HostVariable {
  public:
-  explicit HostVariable(const char* value) : old_(std::getenv("TZ") != nullptr ? std::getenv("TZ") : "") {
-    if (value != nullptr) setenv("TZ", value, 1);
-    else unsetenv("TZ");
+  explicit HostVariable(const char* value)
+      : old_(std::getenv("TZ") != nullptr ? std::getenv("TZ") : "") {
+    if (value != nullptr)
+      setenv("TZ", value, 1);
+    else
+      unsetenv("TZ");
   }
   ~HostVariable() { setenv("TZ", old_.c_str(), 1); }
   HostVariable(const HostVariable&) = delete;
@@ -73,11 +76,12 @@ TEST(ZoneRules, MidnightsThatAreMissingOrDoubled) {
 // Zones that are searched in a table of our own must say what the library says that made the table.
 TEST(ZoneRules, EveryDayBeginsWhereTheRulesSay) {
   for (const char* name :
-       {"America/New_York", "America/Sao_Paulo", "America/Toronto", "America/Havana", "America/Asuncion",
-        "America/St_Johns", "Africa/Cairo", "Africa/Casablanca", "Africa/Monrovia", "Antarctica/Troll",
-        "Asia/Amman", "Asia/Gaza", "Asia/Kathmandu", "Asia/Shanghai", "Asia/Manila", "Asia/Tehran",
-        "Australia/Lord_Howe", "Europe/Dublin", "Europe/London", "Europe/Paris", "Pacific/Apia",
-        "Pacific/Kwajalein", "Etc/GMT-14", "UTC"}) {
+       {"America/New_York",    "America/Sao_Paulo", "America/Toronto", "America/Havana",
+        "America/Asuncion",    "America/St_Johns",  "Africa/Cairo",    "Africa/Casablanca",
+        "Africa/Monrovia",     "Antarctica/Troll",  "Asia/Amman",      "Asia/Gaza",
+        "Asia/Kathmandu",      "Asia/Shanghai",     "Asia/Manila",     "Asia/Tehran",
+        "Australia/Lord_Howe", "Europe/Dublin",     "Europe/London",   "Europe/Paris",
+        "Pacific/Apia",        "Pacific/Kwajalein", "Etc/GMT-14",      "UTC"}) {
     const Zone* zone = zoneNamed(name);
     absl::TimeZone rules;
     ASSERT_TRUE(absl::LoadTimeZone(name, &rules));
@@ -90,7 +94,8 @@ TEST(ZoneRules, EveryDayBeginsWhereTheRulesSay) {
       const DayStart start = startOfDay(*zone, day);
       ASSERT_EQ(start.instant, expected) << name << " " << midnight;
       ASSERT_EQ(start.day, absl::CivilDay(rules.At(absl::FromUnixSeconds(expected)).cs) -
-                               absl::CivilDay(1970, 1, 1)) << name << " " << midnight;
+                               absl::CivilDay(1970, 1, 1))
+          << name << " " << midnight;
       const std::int64_t instant = day * 86400 + day % 86400;
       ASSERT_EQ(offsetAt(*zone, instant), rules.At(absl::FromUnixSeconds(instant)).offset)
           << name << " " << instant;

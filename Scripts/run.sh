@@ -16,4 +16,6 @@ cmake --build --preset release --target brindle
 [ $# -gt 0 ] || set -- range --all
 echo
 echo "\$ brindle $*"
-exec build/release/bin/brindle "$@"
+build/release/bin/brindle "$@"
+echo
+echo "Brindle is built: build/release/bin/brindle --help tells what else it can do."

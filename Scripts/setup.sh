@@ -14,11 +14,17 @@ if [ "${1:-}" = --all ]; then
     libplist-dev gobjc gobjc++ gnustep-make libgnustep-base-dev)
 fi
 
+# Zone rules change several times a year, and answers with them: these are the oldest that will do.
+zone_data=2026b
+
 missing=()
 for package in "${packages[@]}"; do
   status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
   [ "$status" = installed ] || missing+=("$package")
 done
+if ! dpkg --compare-versions "$(dpkg-query -W -f='${Version}' tzdata 2>/dev/null || echo 0)" ge "$zone_data"; then
+  [[ " ${missing[*]} " == *" tzdata "* ]] || missing+=(tzdata)
+fi
 if [ ${#missing[@]} -eq 0 ]; then
   echo "Setup: everything is there."
   exit 0

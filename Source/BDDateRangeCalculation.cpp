@@ -40,6 +40,11 @@ std::int64_t wrappingProduct(std::uint64_t factor, std::int64_t n) {
   return static_cast<std::int64_t>(factor * static_cast<std::uint64_t>(n));
 }
 
+/// The number as a field that is set: the highest of all reads as one that is not.
+std::int64_t written(std::int64_t number) {
+  return std::min(number, NSUndefinedDateComponent - 1);
+}
+
 Increments incrementsOf(std::int64_t count, BDTimeUnit unit) {
   switch (unit) {
     case BDTimeUnitDay:
@@ -192,9 +197,9 @@ NSDate addToDate(std::int64_t count, BDTimeUnit unit, const NSDate& date) {
   const NSCalendar calendar = NSCalendar::alloc()->initWithCalendarIdentifier(NSGregorianCalendar);
   const NSDateComponents parts = calendar->components(kDayUnits, date);
   const Increments by = incrementsOf(count, unit);
-  parts->setDay(wrappingSum(parts->day(), by.day));
-  parts->setMonth(wrappingSum(parts->month(), by.month));
-  parts->setYear(wrappingSum(parts->year(), by.year));
+  parts->setDay(written(wrappingSum(parts->day(), by.day)));
+  parts->setMonth(written(wrappingSum(parts->month(), by.month)));
+  parts->setYear(written(wrappingSum(parts->year(), by.year)));
   if (parts->year() < 0) {
     parts->setYear(0);
     parts->setMonth(0);

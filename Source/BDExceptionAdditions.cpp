@@ -31,6 +31,7 @@ NSMutableString decoded(const NSException& self) {
   }
 
   NSMutableString text = cast<NSMutableString>(NSMutableString::string());
+  if (addresses.empty()) return text;
   const int lines = static_cast<int>(addresses.size());
   const std::unique_ptr<char*, void (*)(void*)> symbols(
       ::backtrace_symbols(addresses.data(), lines), &std::free);

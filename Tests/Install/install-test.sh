@@ -36,7 +36,7 @@ echo "-- Installing"
 }
 
 echo "-- Building the consumer by find_package and by pkg-config"
-"$cmake" -S "$here" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$work/first" \
+"$cmake" -G Ninja -S "$here" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$work/first" \
   -DCMAKE_CXX_COMPILER="$compiler" > "$work/configure.log" || {
   cat "$work/configure.log" >&2
   fail "find_package(Brindle) fails"
@@ -48,6 +48,6 @@ use "$work/first"
 echo "-- Moving the tree"
 mv "$work/first" "$work/second"
 use "$work/second"
-"$cmake" -S "$here" -B "$work/again" -DCMAKE_PREFIX_PATH="$work/second" \
+"$cmake" -G Ninja -S "$here" -B "$work/again" -DCMAKE_PREFIX_PATH="$work/second" \
   -DCMAKE_CXX_COMPILER="$compiler" > /dev/null || fail "find_package(Brindle) fails after moving"
 build_with_pkg_config "$work/second" "$work/consumer-again"

@@ -41,9 +41,7 @@ std::int64_t wrappingProduct(std::uint64_t factor, std::int64_t n) {
 }
 
 /// The number as a field that is set: the highest of all reads as one that is not.
-std::int64_t written(std::int64_t number) {
-  return std::min(number, NSUndefinedDateComponent - 1);
-}
+std::int64_t written(std::int64_t number) { return std::min(number, NSUndefinedDateComponent - 1); }
 
 Increments incrementsOf(std::int64_t count, BDTimeUnit unit) {
   switch (unit) {
@@ -149,8 +147,12 @@ const std::pair<IMP, IMP>& plainEnds() {
   return ends;
 }
 
-/// Both dates by messages.
-Instants sentInstants(const BDDateRange& range) {
+BDDateInterval intervalOf(double start, double end) {
+  return {timePointAt(start), timePointAt(end)};
+}
+
+/// Start and end by messages.
+BDDateInterval sentInterval(const BDDateRange& range) {
   NSDate start;
   NSDate end;
   bool known = false;
@@ -166,7 +168,7 @@ Instants sentInstants(const BDDateRange& range) {
     start = range->start();
     end = range->end();
   }
-  return {start->timeIntervalSinceReferenceDate(), end->timeIntervalSinceReferenceDate()};
+  return intervalOf(start->timeIntervalSinceReferenceDate(), end->timeIntervalSinceReferenceDate());
 }
 
 }  // namespace
@@ -241,12 +243,12 @@ NSDate endOfDateRange(const BDDateRange& range) {
 
 BDDateInterval BDDateRange::interval() const {
   if (*this == nullptr) return {};
-  const CivilWeek week = currentCivilWeek();
-  const internal::Instants dates = internal::isPlain(*this, week)
-                                       ? internal::plainInstants(*this, week)
-                                       : internal::sentInstants(*this);
-  return {internal::timePointAt(std::min(dates.first, dates.second)),
-          internal::timePointAt(std::max(dates.first, dates.second))};
+  if (const CivilWeek week = currentCivilWeek(); internal::isPlain(*this, week)) {
+    const internal::Instants dates = internal::plainInstants(*this, week);
+    return internal::intervalOf(std::min(dates.first, dates.second),
+                                std::max(dates.first, dates.second));
+  }
+  return internal::sentInterval(*this);
 }
 
 }  // namespace brindle

@@ -199,6 +199,8 @@ TEST(BDDateRangeCalculation, TheFloorTestsTheYearBeforeMonthsAreCarried) {
       -63148464000.0);
   EXPECT_EQ(fieldsOfDate(BDDateRange::new_()->add(-2024, kYear, dateOf(2024, 5, 15))).substr(0, 10),
             "0000-05-15");
+  const BDDateRange nought = rangeOf(dateOf(2024, 5, 15), kDay, -2024, kYear, 0, kDay);
+  EXPECT_EQ(fieldsOfDate(nought->start()).substr(0, 10), "0000-05-15");
 }
 
 TEST(BDDateRangeCalculation, HugeCountsWrapAndNeverFail) {

@@ -115,6 +115,12 @@ TEST(BDDateRangeNames, NearlyARowIsNoRow) {
     range = make();
     range->setLengthUnit(static_cast<BDTimeUnit>(7));
     EXPECT_EQ(BDDateRange::namedRangeFrom(range), BDNamedRangeNone);
+    range = make();
+    range->setOffsetUnit(static_cast<BDTimeUnit>(7));
+    EXPECT_EQ(BDDateRange::namedRangeFrom(range), BDNamedRangeNone);
+    range = make();
+    range->setAnchorUnit(static_cast<BDTimeUnit>(7));
+    EXPECT_EQ(BDDateRange::namedRangeFrom(range), BDNamedRangeNone);
   }
   const BDDateRange days = BDDateRange::dateRangeWithAnchor(nullptr, -7, 7);  // as the past week
   EXPECT_EQ(BDDateRange::namedRangeFrom(days), BDNamedRangeNone);

@@ -2,6 +2,9 @@
 // order.
 #include <Brindle/BDDateRange.h>
 
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
@@ -167,6 +170,19 @@ std::vector<Case> platformMethods() {
 
 }  // namespace
 
+// Ranges take the short way to their dates until the first method is replaced, and never again
+// after it. So that each replacement is the first one, each is made in a process of its own.
+template <class Body>
+void inOwnProcess(Body body) {
+  EXPECT_EXIT(
+      {
+        body();
+        std::fflush(stdout);
+        std::_Exit(testing::Test::HasFailure() ? 1 : 0);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
 TEST(BDDateRangeOverrides, AReplacedMethodActsUntilItIsPutBack) {
   const DateSettings settings("Europe/Berlin", kMonday);
   const BDDateRange range = someRange();
@@ -174,14 +190,16 @@ TEST(BDDateRangeOverrides, AReplacedMethodActsUntilItIsPutBack) {
   for (const Case& c : platformMethods()) cases.push_back(c);
   for (const Case& c : cases) {
     SCOPED_TRACE(sel_getName(c.selector));
-    EXPECT_EQ(Answers(range).text(), "2024-05-14 2024-05-16");
-    const Answers changed = [&] {
-      const Replacement replacement(c.cls, c.selector, c.body);
-      return Answers(range);
-    }();
-    EXPECT_EQ(changed.text(), c.expected);
+    inOwnProcess([&] {
+      EXPECT_EQ(Answers(range).text(), "2024-05-14 2024-05-16");
+      const Answers changed = [&] {
+        const Replacement replacement(c.cls, c.selector, c.body);
+        return Answers(range);
+      }();
+      EXPECT_EQ(changed.text(), c.expected);
+      EXPECT_EQ(Answers(range).text(), "2024-05-14 2024-05-16");
+    });
   }
-  EXPECT_EQ(Answers(range).text(), "2024-05-14 2024-05-16");
 }
 
 TEST(BDDateRangeOverrides, AMethodOfASubclassActs) {
@@ -202,18 +220,35 @@ TEST(BDDateRangeOverrides, AMethodOfASubclassActs) {
 
 TEST(BDDateRangeOverrides, NowIsReadByAMessageAtEachCall) {
   const DateSettings settings("Europe/Berlin", kMonday);
-  static int day;
-  day = 1;
-  const BDDateRange today = BDDateRange::dateRangeWithAnchor(nullptr, 0, 1);
-  const Replacement now(
-      metaOf(NSDate::class_()), selector<"date">(),
-      implementation([](const Class&) { return dateOf(2024, 5, day++, 23, 59); }));
-  EXPECT_EQ(fieldsOfDate(today->start()), "2024-05-01 00:00:00");
-  EXPECT_EQ(fieldsOfDate(today->end()), "2024-05-03 00:00:00");
-  // Once for both ends.
-  const BDDateInterval both = today->interval();
-  EXPECT_EQ(both.end - both.start, std::chrono::hours(24));
-  EXPECT_EQ(day, 4);
+  inOwnProcess([] {
+    static int day = 1;
+    const BDDateRange today = BDDateRange::dateRangeWithAnchor(nullptr, 0, 1);
+    const Replacement now(
+        metaOf(NSDate::class_()), selector<"date">(),
+        implementation([](const Class&) { return dateOf(2024, 5, day++, 23, 59); }));
+    EXPECT_EQ(fieldsOfDate(today->start()), "2024-05-01 00:00:00");
+    EXPECT_EQ(fieldsOfDate(today->end()), "2024-05-03 00:00:00");
+    // Once for both ends.
+    const BDDateInterval both = today->interval();
+    EXPECT_EQ(both.end - both.start, std::chrono::hours(24));
+    EXPECT_EQ(day, 4);
+  });
+}
+
+TEST(BDDateRangeOverrides, IntervalsHoldAnyDate) {
+  const Class cls = objc_allocateClassPair(BDDateRange::class_(), "RangeWithoutEnds", 0);
+  const auto start = implementation([](const BDDateRange&) {
+    return NSDate::dateWithTimeIntervalSinceReferenceDate(std::nan(""));
+  });
+  const auto end = implementation(
+      [](const BDDateRange&) { return NSDate::dateWithTimeIntervalSinceReferenceDate(HUGE_VAL); });
+  class_addMethod(cls, selector<"start">(), start.implementation, start.types);
+  class_addMethod(cls, selector<"end">(), end.implementation, end.types);
+  objc_registerClassPair(cls);
+  const BDDateRange range = someRange();
+  object_setClass(range, cls);
+  EXPECT_EQ(range->interval().start.time_since_epoch().count(), 0);
+  EXPECT_EQ(range->interval().end.time_since_epoch().count(), 9000000000000000000);
 }
 
 // --- The order in which a range asks and sets ----------------------------------------------------
@@ -280,13 +315,15 @@ TEST(BDDateRangeOverrides, EqualityStopsAtTheFirstDifference) {
 }
 
 TEST(BDDateRangeOverrides, NamedRangesAreMadeByTheConstructor) {
-  const Replacement replacement(
-      metaOf(BDDateRange::class_()),
-      selector<"dateRangeWithAnchor:unit:offset:unit:length:unit:">(),
-      implementation([](const ClassOf<BDDateRange>&, const NSDate&, BDTimeUnit, std::int64_t,
-                        BDTimeUnit, std::int64_t, BDTimeUnit) -> BDDateRange {
-        return BDDateRange::dateRangeWithAnchor(nullptr, 77, 88);
-      }));
-  EXPECT_EQ(BDDateRange::dateRangeWithNamedRange(BDNamedRangeThisWeek)->offset(), 77);
-  EXPECT_EQ(AskedRange::class_()->dateRangeWithNamedRange(BDNamedRangeAll)->length(), 88);
+  inOwnProcess([] {
+    const Replacement replacement(
+        metaOf(BDDateRange::class_()),
+        selector<"dateRangeWithAnchor:unit:offset:unit:length:unit:">(),
+        implementation([](const ClassOf<BDDateRange>&, const NSDate&, BDTimeUnit, std::int64_t,
+                          BDTimeUnit, std::int64_t, BDTimeUnit) -> BDDateRange {
+          return BDDateRange::dateRangeWithAnchor(nullptr, 77, 88);
+        }));
+    EXPECT_EQ(BDDateRange::dateRangeWithNamedRange(BDNamedRangeThisWeek)->offset(), 77);
+    EXPECT_EQ(AskedRange::class_()->dateRangeWithNamedRange(BDNamedRangeAll)->length(), 88);
+  });
 }

@@ -141,6 +141,18 @@ plistlib.dump({"$version": 100000, "$archiver": "NSKeyedArchiver", "$top": {"roo
   EXPECT_EQ(range->lengthUnit(), static_cast<BDTimeUnit>(-1));
 }
 
+TEST(BDDateRangeArchive, AnAnchorThatIsNoDateRaisesWhenItIsRead) {
+  const NSMutableData data = NSMutableData::alloc()->init();
+  const NSKeyedArchiver archiver = NSKeyedArchiver::alloc()->initForWritingWithMutableData(data);
+  archiver->encodeObject("tomorrow"_ns, "anchor"_ns);
+  archiver->finishEncoding();
+  const NSKeyedUnarchiver reader = NSKeyedUnarchiver::alloc()->initForReadingWithData(data);
+  const NSException raised = raisedBy(
+      [&] { send<"initWithCoder:", BDDateRange>(BDDateRange::alloc(), NSCoder(reader)); });
+  ASSERT_TRUE(raised);
+  EXPECT_TRUE(raised->name()->isEqual("NSInvalidArgumentException"_ns));
+}
+
 // --- What a coder sees ---------------------------------------------------------------------------
 
 /// A coder that notes what it is told and asked, and knows no values.

@@ -147,8 +147,8 @@ TEST(BDDateRangeArchive, AnAnchorThatIsNoDateRaisesWhenItIsRead) {
   archiver->encodeObject("tomorrow"_ns, "anchor"_ns);
   archiver->finishEncoding();
   const NSKeyedUnarchiver reader = NSKeyedUnarchiver::alloc()->initForReadingWithData(data);
-  const NSException raised = raisedBy(
-      [&] { send<"initWithCoder:", BDDateRange>(BDDateRange::alloc(), NSCoder(reader)); });
+  const NSException raised =
+      raisedBy([&] { send<"initWithCoder:", BDDateRange>(BDDateRange::alloc(), NSCoder(reader)); });
   ASSERT_TRUE(raised);
   EXPECT_TRUE(raised->name()->isEqual("NSInvalidArgumentException"_ns));
 }

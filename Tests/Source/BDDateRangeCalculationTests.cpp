@@ -1,5 +1,5 @@
-// The dates of ranges: rounding the anchor, adding, start and end. A table for each rule keeps this file
-// long; what subclasses and swizzles change is in BDDateRangeOverridesTests.cpp.
+// The dates of ranges: rounding the anchor, adding, start and end. A table for each rule keeps this
+// file long; what subclasses and swizzles change is in BDDateRangeOverridesTests.cpp.
 #include <Brindle/BDDateRange.h>
 
 #include <atomic>
@@ -293,8 +293,8 @@ TEST(BDDateRangeCalculation, ACalendarWithErasKeepsTheEra) {
 }
 
 TEST(BDDateRangeCalculation, ShortAndLongWayAgree) {
-  // The same computation with and without the objects in between, over zones, weeks and units. Once a
-  // method was replaced there is only the long way, so this cannot run behind a test that does.
+  // The same computation with and without the objects in between, over zones, weeks and units. Once
+  // a method was replaced there is only the long way, so this cannot run behind a test that does.
   ASSERT_EQ(class_getMethodChanges(BDDateRange::class_()), 0U);
   for (const char* zone : {"America/New_York", "Pacific/Apia", "Europe/Dublin", "Asia/Kathmandu"}) {
     for (const NSUInteger first : {1U, 2U, 7U}) {
@@ -316,7 +316,8 @@ TEST(BDDateRangeCalculation, ShortAndLongWayAgree) {
 TEST(BDDateRangeCalculation, ShortAndLongWayAgreeOnTheLargestFields) {
   const DateSettings settings("UTC");
   const NSDate date = dateOf(2024, 5, 15);
-  for (const std::int64_t count : {INT64_MAX - 2024, INT64_MAX - 15, INT64_MAX - 5, INT64_MAX - 4}) {
+  for (const std::int64_t count :
+       {INT64_MAX - 2024, INT64_MAX - 15, INT64_MAX - 5, INT64_MAX - 4}) {
     for (const BDTimeUnit unit : {kDay, kMonth, kYear}) {
       const BDDateRange range = rangeOf(date, kDay, count, unit, 0, kDay);
       EXPECT_TRUE(range->start()->isEqual(range->add(count, unit, date))) << count << ' ' << unit;

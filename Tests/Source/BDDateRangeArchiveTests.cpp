@@ -46,8 +46,7 @@ class TemporaryFile {
 
 /// What a Python program prints that gets the file as its argument. The program has no apostrophes.
 std::string python(const char* program, const TemporaryFile& file) {
-  const std::string command =
-      "python3 -c '" + std::string(program) + "' '" + file.path() + "' 2>&1";
+  const std::string command = "python3 -c '" + std::string(program) + "' '" + file.path() + "'";
   std::FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) return "python3 does not start";
   std::string output;

@@ -80,6 +80,7 @@ constexpr MethodDefinition kMethods[] = {
     }),
     method<"callStackSymbols">([](const NSException& self) {
       const auto& addresses = fields(self).addresses;
+      if (addresses.empty()) return NSArray::array();
       const int count = static_cast<int>(addresses.size());
       const std::unique_ptr<char*, void (*)(void*)> lines(
           ::backtrace_symbols(addresses.data(), count), &std::free);

@@ -73,7 +73,7 @@ std::int64_t dayInCalendar(std::string_view name, const CalendarFields& fields) 
   calendar->clear();
   calendar->set(UCAL_ERA, narrow(fields.era));
   calendar->set(UCAL_YEAR, narrow(fields.year));
-  calendar->set(UCAL_MONTH, narrow(fields.month - 1));
+  calendar->set(UCAL_MONTH, narrow(fields.month) - 1);
   calendar->set(UCAL_IS_LEAP_MONTH, fields.leapMonth ? 1 : 0);
   calendar->set(UCAL_DATE, narrow(fields.day));
   const double milliseconds = calendar->getTime(error);

@@ -116,7 +116,9 @@ std::int64_t dayOf(const Fields& f, const NSDateComponents& parts) {
   const std::int64_t day = orElse(parts->day(), 1);
   if (isGregorian(f)) return internal::dayNumber({year, month, day});
   // Without an era the years are counted in the calendar's latest.
-  const std::int64_t era = orElse(parts->era(), internal::fieldsInCalendar(f.identifier, 0).era);
+  constexpr std::int64_t kLateDay = 47482;  // 2100-01-01
+  const std::int64_t era =
+      orElse(parts->era(), internal::fieldsInCalendar(f.identifier, kLateDay).era);
   return internal::dayInCalendar(f.identifier, {era, year, month, day, parts->isLeapMonth()});
 }
 

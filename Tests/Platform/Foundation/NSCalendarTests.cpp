@@ -129,6 +129,14 @@ TEST(NSCalendar, AFirstWeekdayIsOneToSeven) {
   EXPECT_EQ(calendar->firstWeekday(), 7U);
 }
 
+TEST(NSCalendar, YearsWithoutAnEraAreCountedInTheLatest) {
+  const NSCalendar japanese = NSCalendar::alloc()->initWithCalendarIdentifier(NSJapaneseCalendar);
+  japanese->setTimeZone(NSTimeZone::timeZoneWithName("Asia/Tokyo"_ns));
+  // The sixth year of Reiwa is 2024.
+  const NSDate expected = gregorianIn("Asia/Tokyo"_ns)->dateFromComponents(dayOf(2024, 5, 15));
+  EXPECT_TRUE(japanese->dateFromComponents(dayOf(6, 5, 15))->isEqual(expected));
+}
+
 TEST(NSCalendar, NilIsNil) {
   EXPECT_FALSE(NSCalendar::currentCalendar()->components(kDate, nullptr));
   EXPECT_FALSE(NSCalendar::currentCalendar()->dateFromComponents(nullptr));

@@ -8,6 +8,7 @@
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/NSException.h>
 #include <Brindle/Platform/NSKeyedUnarchiver.h>
+#include <Brindle/Platform/NSMutableArray.h>
 #include <Brindle/Platform/NSMutableDictionary.h>
 #include <Brindle/Platform/NSNull.h>
 #include <Brindle/Platform/NSNumber.h>
@@ -250,6 +251,7 @@ std::string checkGood(const Json& top, const NSKeyedUnarchiver& coder) {
 
 // Circles keep themselves: the values go when they were compared.
 void dropValues(const id& object) {
+  if (isa<NSMutableArray>(object)) uncheckedCast<NSMutableArray>(object)->removeAllObjects();
   if (!isa<StandIn>(object)) return;
   const auto values = std::move(fieldsOf<Fields>(uncheckedCast<StandIn>(object)).values);
 }

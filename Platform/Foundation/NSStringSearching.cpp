@@ -15,7 +15,6 @@ namespace brindle {
 namespace {
 
 using internal::TextRange;
-using internal::TextView;
 
 NSComparisonResult result(int order) { return static_cast<NSComparisonResult>(order); }
 

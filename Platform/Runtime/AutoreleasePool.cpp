@@ -87,7 +87,11 @@ void autoreleasePoolPop(std::uint64_t token) {
 }
 
 void detail::autoreleaseOwned(ObjectRecord* record) {
-  if (record != nullptr) threadPools().objects.push_back(record);
+  if (record == nullptr) return;
+  const std::uint32_t count = record->count.load(std::memory_order_relaxed);
+  // An object that is ending is gone when the pool is drained: the pool keeps nothing of it.
+  if (count >= kCountDying && count < kCountImmortal) return;
+  threadPools().objects.push_back(record);
 }
 
 AutoreleasePool::AutoreleasePool()

@@ -28,7 +28,7 @@ BRINDLE_PLATFORM_EXPORT std::uint64_t autoreleasePoolPush();
 BRINDLE_PLATFORM_EXPORT void autoreleasePoolPop(std::uint64_t token);
 
 namespace detail {
-/// Gives one owner of the record to the current pool.
+/// Gives one owner of the record to the current pool. An object whose end has begun is left out.
 BRINDLE_PLATFORM_EXPORT void autoreleaseOwned(ObjectRecord* record);
 }  // namespace detail
 

@@ -141,15 +141,16 @@ ObjectRecord* retainSpecial(ObjectRecord* record) {
 }
 
 void endObject(ObjectRecord* record) {
+  static const SEL deallocSelector = sel_registerName("dealloc");
+  const std::uint32_t flags = record->flags.load(std::memory_order_acquire);
+  if ((flags & kFlagWeak) != 0) clearWeakReferences(record);
+  // Also while it waits: who reaches it without owning it must not end it a second time.
+  record->count.store(kCountDying, std::memory_order_relaxed);
   if (ends.depth >= kMaximalDepth) {
     if (ends.waiting == nullptr) ends.waiting = new std::vector<ObjectRecord*>;
     ends.waiting->push_back(record);
     return;
   }
-  static const SEL deallocSelector = sel_registerName("dealloc");
-  const std::uint32_t flags = record->flags.load(std::memory_order_acquire);
-  if ((flags & kFlagWeak) != 0) clearWeakReferences(record);
-  record->count.store(kCountDying, std::memory_order_relaxed);
   ClassRecord* cls = record->isa.load(std::memory_order_acquire);
   IMP dealloc = findMethod(cls, deallocSelector)->implementation.load(std::memory_order_acquire);
   if (dealloc == nullptr) {

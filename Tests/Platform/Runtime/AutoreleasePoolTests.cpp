@@ -61,6 +61,14 @@ TEST_F(AutoreleasePoolTest, NestedPoolsHoldTheirOwn) {
   EXPECT_EQ(Mortal::ended(), "3 1 ");
 }
 
+// The pool would release memory that is gone.
+TEST_F(AutoreleasePoolTest, AnObjectThatIsEndingIsNotKept) {
+  const AutoreleasePool pool;
+  Ender object = Ender::with([](const Ender& self) { self->autorelease(); }, 5);
+  object = nullptr;
+  EXPECT_EQ(Mortal::ended(), "5 ");
+}
+
 TEST_F(AutoreleasePoolTest, AnOuterPoolTakesInnerOnesAlong) {
   const std::uint64_t outer = autoreleasePoolPush();
   autoreleased(1);

@@ -298,6 +298,32 @@ TEST(ObjectTest, ALongChainThatDropsItsLinksInDeallocEndsWithoutOverflow) {
   EXPECT_EQ(Mortal::living(), 0);
 }
 
+// An object far down a chain waits for its end. Whoever reached it by then, without owning it,
+// ended it a second time.
+TEST(ObjectTest, AnObjectThatWaitsForItsEndEndsOnce) {
+  static ObjectRecord* unowned;
+  Ender waiting = Ender::with([](const Ender&) {}, 7);
+  unowned = waiting.record();
+  const Weak<Ender> weak = waiting;
+  Mortal chain = Ender::with([&weak](const Ender& self) {
+    self->setHeld(nullptr);
+    EXPECT_FALSE(weak.lock());
+    const id reached = borrow<id>(unowned);
+  });
+  chain->setHeld(waiting);
+  waiting = nullptr;
+  for (int i = 0; i < 199; ++i) {  // the end of `chain` is as deep as ends nest
+    Mortal next = Mortal::new_();
+    next->setHeld(chain);
+    chain = std::move(next);
+  }
+  Mortal::ended();
+  chain = nullptr;
+  const std::string ended = Mortal::ended();
+  EXPECT_EQ(ended.find('7'), ended.rfind('7')) << ended;
+  EXPECT_EQ(Mortal::living(), 0);
+}
+
 TEST(ObjectTest, ARaiseAtTheFarEndOfALongChainArrives) {
   Mortal chain = Ender::raising("far");
   for (int i = 0; i < 1000; ++i) {

@@ -282,6 +282,7 @@ Class objc_allocateClassPair(Class superclass, const char* name, std::size_t ext
     realizedLocked(super);
   }
   // Room for both records and the extra bytes; classes never die.
+  if (extraBytes > SIZE_MAX - 2 * sizeof(ClassRecord)) throw std::bad_alloc();
   auto* memory = static_cast<char*>(std::calloc(1, 2 * sizeof(ClassRecord) + extraBytes));
   if (memory == nullptr) throw std::bad_alloc();
   auto* cls = reinterpret_cast<ClassRecord*>(memory);  // NOLINT(*-reinterpret-cast)

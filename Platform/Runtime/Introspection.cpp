@@ -66,9 +66,10 @@ BOOL class_addIvar(Class cls, const char* name, std::size_t size, std::uint8_t a
   if (data->registered || !data->subclasses.empty() || named(data->variables, name) != nullptr) {
     return NO;
   }
-  const std::uint32_t align = 1U << alignment;
-  const std::uint32_t offset = (record->instanceSize + align - 1) / align * align;
-  record->instanceSize = offset + static_cast<std::uint32_t>(size);
+  const std::size_t align = std::size_t{1} << alignment;
+  const std::size_t offset = (std::size_t{record->instanceSize} + align - 1) / align * align;
+  if (offset + size > UINT32_MAX) return NO;
+  record->instanceSize = static_cast<std::uint32_t>(offset + size);
   data->rawVariables = true;
   data->variables.push_back(new IvarRecord{detail::internedLocked(name),
                                            detail::internedLocked(types != nullptr ? types : ""),

@@ -258,6 +258,8 @@ TEST(ClassTest, ExtraBytes) {
   EXPECT_EQ(objc_getIndexedIvars(makeClass(cls)), nullptr);
   EXPECT_EQ(objc_getIndexedIvars(Mortal::class_()), nullptr);
   EXPECT_EQ(objc_getIndexedIvars(nullptr), nullptr);
+  EXPECT_THROW(objc_allocateClassPair(nullptr, uniqueName("Huge").c_str(), SIZE_MAX - 8),
+               std::bad_alloc);
 }
 
 TEST(ClassTest, NilsOfTheFunctionsOnClasses) {

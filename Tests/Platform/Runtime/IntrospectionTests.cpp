@@ -105,6 +105,15 @@ TEST(IntrospectionTest, VariablesAreAddedBeforeTheClassIsRegistered) {
   EXPECT_STREQ(ivar_getTypeEncoding(class_getInstanceVariable(cls, "d")), "[100c]");
 }
 
+TEST(IntrospectionTest, InstancesNeverOutgrowTheirSize) {
+  const Class cls = objc_allocateClassPair(NSObject::class_(), uniqueName("Huge").c_str(), 0);
+  const std::size_t half = UINT32_MAX / 2;
+  EXPECT_EQ(class_addIvar(cls, "a", half, 0, "c"), YES);
+  EXPECT_EQ(class_addIvar(cls, "b", half, 0, "c"), NO);
+  EXPECT_EQ(class_addIvar(cls, "c", 8, 3, "q"), YES);
+  EXPECT_GT(class_getInstanceSize(cls), half + 8);
+}
+
 // The variables of a subclass lie behind those of its superclass, whose size must not change any
 // more.
 TEST(IntrospectionTest, AClassWithSubclassesTakesNoMoreVariables) {

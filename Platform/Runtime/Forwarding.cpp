@@ -91,7 +91,8 @@ std::size_t wireSize(std::string_view code, const SignatureData& data) {
 
 /// A class that is still being initialised has its methods in the writers' view only.
 [[gnu::noinline, gnu::cold]] bool answersUnpublished(const ClassRecord& cls, SEL selector) {
-  return lookUpMethod(cls.data.load(std::memory_order_acquire), selector) != nullptr;
+  const MethodRecord* method = lookUpMethod(cls.data.load(std::memory_order_acquire), selector);
+  return method != nullptr && method->implementation.load(std::memory_order_acquire) != nullptr;
 }
 
 inline bool answers(const ClassRecord& cls, SEL selector) {
@@ -129,7 +130,11 @@ void resend(const id& target, SEL selector, const char* wire, void** arguments, 
     fail(target, selector);
     return;
   }
-  if (!sameWire(wire, data->wire.c_str())) {
+  // `performSelector:` expects an object whatever the method answers, and gets nil for anything
+  // else.
+  const bool answersOther = *wire == '@' && data->result.wire != "@" &&
+                            sameWire(wire + 1, data->wire.c_str() + data->result.wire.size());
+  if (!answersOther && !sameWire(wire, data->wire.c_str())) {
     raise("NSInvalidArgumentException", std::string("the target of a forwarded ") + selector->name +
                                             " has other types (" + data->types + ")");
   }
@@ -138,7 +143,9 @@ void resend(const id& target, SEL selector, const char* wire, void** arguments, 
   frame[0] = &record;
   frame[1] = &selector;
   std::copy_n(arguments, frame.size() - 2, frame.begin() + 2);
-  sendFrame(record, selector, *data, frame.data(), result);
+  if (!answersOther) return sendFrame(record, selector, *data, frame.data(), result);
+  std::vector<std::byte> ignored(std::max(kSmallResult, data->result.size));
+  sendFrame(record, selector, *data, frame.data(), ignored.data());
 }
 
 /// Fills in a sender's arguments as the signature wants them.

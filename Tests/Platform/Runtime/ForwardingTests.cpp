@@ -283,6 +283,25 @@ TEST_F(ForwardingTest, AReceiverThatNamesItselfIsNotAskedForEver) {
   EXPECT_NE(raised([&] { send<"fly">(object); }).find("unrecognized"), std::string::npos);
 }
 
+TEST_F(ForwardingTest, ANullForwardingTargetCountsAsMissing) {
+  const Class cls = makeClass(NSObject::class_());
+  class_addMethod(cls, selector<"forwardingTargetForSelector:">(), nullptr, "@24@0:8:16");
+  const id object = send<"new", id>(cls);
+  EXPECT_NE(raised([&] { send<"fly">(object); }).find("fly]: unrecognized"), std::string::npos);
+}
+
+// `performSelector:` takes and answers objects; the receiver's own methods may answer others.
+TEST_F(ForwardingTest, PerformingReachesAnotherReceiversMethodsOfOtherTypes) {
+  const Delegating delegating = Delegating::new_();
+  const Machine machine = Machine::new_();
+  delegating->setHeld(machine);
+  EXPECT_FALSE(delegating->performSelector(selector<"nothing">()));
+  EXPECT_EQ(machine->tag(), 77);
+  EXPECT_TRUE(delegating->performSelector(selector<"newObject">()));
+  EXPECT_TRUE(delegating->performSelector(selector<"object:">(), machine) == machine);
+  EXPECT_FALSE(delegating->performSelector(selector<"call:">(), Block<int()>([] { return 1; })));
+}
+
 TEST_F(ForwardingTest, ClassesForwardToo) {
   const Class cls = makeClass(NSObject::class_());
   addMethod<"forwardingTargetForSelector:">(

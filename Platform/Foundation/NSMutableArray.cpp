@@ -7,6 +7,7 @@
 
 #include "Platform/Foundation/Internal/Arguments.h"
 #include "Platform/Foundation/Internal/ArrayStorage.h"
+#include "Platform/Foundation/Internal/ReleaseEach.h"
 
 namespace brindle {
 namespace {
@@ -25,6 +26,11 @@ std::vector<id>& changed(const NSMutableArray& self) {
 
 void requireIndex(const NSMutableArray& self, SEL selector, NSUInteger index, NSUInteger count) {
   if (index >= count) detail::raiseBeyondCount(self, selector, index, count);
+}
+
+// The last release of an object may run a client's code, and may raise.
+void releaseRemoved(std::vector<id>& removed) {
+  detail::releaseEach(removed, [](id& member) { member = nullptr; });
 }
 
 // What a change throws out is released when the array is whole again: the last release of an object
@@ -47,7 +53,10 @@ bool removeAtOnce(const NSMutableArray& self, const Predicate& goes) {
     side.push_back(std::move(member));
   }
   if (storageOf(self).mutations != before) return false;
-  if (!removed.empty()) changed(self).swap(kept);
+  if (removed.empty()) return true;
+  changed(self).swap(kept);
+  kept.clear();  // each of them has another owner in one of the others
+  releaseRemoved(removed);
   return true;
 }
 
@@ -66,7 +75,7 @@ void removeWhere(const NSMutableArray& self, const Predicate& goes) {
 void replaceAll(const NSMutableArray& self, std::vector<id> items) {
   if (detail::isLibraryArray(self)) {
     changed(self).swap(items);
-    return;
+    return releaseRemoved(items);
   }
   self->removeAllObjects();
   for (const id& item : items) self->addObject(item);
@@ -114,6 +123,7 @@ constexpr MethodDefinition kMethods[] = {
           requireIndex(self, cmd.selector, index, storageOf(self).items.size());
           id replaced = object;
           std::swap(changed(self)[index], replaced);
+          replaced = nullptr;
         }),
     method<"removeObjectAtIndex:">([](const NSMutableArray& self, Cmd cmd, NSUInteger index) {
       requireIndex(self, cmd.selector, index, storageOf(self).items.size());
@@ -140,10 +150,9 @@ constexpr MethodDefinition kMethods[] = {
         auto& items = changed(self);
         const auto first = items.begin() + static_cast<std::ptrdiff_t>(range.location);
         const auto last = first + static_cast<std::ptrdiff_t>(range.length);
-        const std::vector<id> removed(std::make_move_iterator(first),
-                                      std::make_move_iterator(last));
+        std::vector<id> removed(std::make_move_iterator(first), std::make_move_iterator(last));
         items.erase(first, last);
-        return;
+        return releaseRemoved(removed);
       }
       for (NSUInteger i = range.length; i-- > 0;) self->removeObjectAtIndex(range.location + i);
     }),
@@ -154,7 +163,7 @@ constexpr MethodDefinition kMethods[] = {
       if (detail::isLibraryArray(self)) {
         std::vector<id> removed;
         changed(self).swap(removed);
-        return;
+        return releaseRemoved(removed);
       }
       while (self->count() > 0) self->removeLastObject();
     }),

@@ -10,6 +10,7 @@
 
 #include <Brindle/Platform/NSObject.h>
 
+#include "Platform/Foundation/Internal/ReleaseEach.h"
 #include "Platform/Runtime/Internal/Raise.h"
 
 namespace brindle::detail {
@@ -25,7 +26,7 @@ class ObjectTable {
   ObjectTable() = default;
   ObjectTable(const ObjectTable&) = delete;
   ObjectTable& operator=(const ObjectTable&) = delete;
-  ~ObjectTable() { clear(); }
+  ~ObjectTable() { const std::vector<Entry> removed = takeEntries(); }
 
   [[nodiscard]] std::size_t count() const noexcept { return live_; }
   /// Changes whenever the table does.
@@ -75,11 +76,9 @@ class ObjectTable {
   }
 
   void clear() {
-    ++mutations_;
-    std::vector<Entry> removed;
-    removed.swap(entries_);
-    live_ = 0;
-    slots_.clear();
+    std::vector<Entry> removed = takeEntries();
+    releaseEach(removed, [](Entry& entry) { entry.value = nullptr; });
+    releaseEach(removed, [](Entry& entry) { entry.key = nullptr; });
   }
 
   /// Takes what the other table holds in place of its own, which goes to the other.
@@ -99,6 +98,14 @@ class ObjectTable {
   static constexpr std::uint32_t kEmpty = 0xFFFFFFFF;
   static constexpr std::size_t kLinear = 8;  // so few entries are found faster one by one
   static constexpr int kPatience = 100;      // searches that a change of the table overtakes
+
+  /// All entries, for the caller to release: their ends may look at the table.
+  std::vector<Entry> takeEntries() {
+    ++mutations_;
+    live_ = 0;
+    slots_.clear();
+    return std::exchange(entries_, {});
+  }
 
   static NSUInteger hashOf(const id& key) { return send<"hash", NSUInteger>(key); }
   [[nodiscard]] std::size_t startOf(NSUInteger hash) const noexcept {

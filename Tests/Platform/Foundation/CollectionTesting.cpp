@@ -12,10 +12,7 @@ std::atomic<int> livingMembers = 0;
 
 struct MemberFields {
   MemberFields() { ++livingMembers; }
-  ~MemberFields() {
-    --livingMembers;
-    if (actions.end) actions.end();
-  }
+  ~MemberFields() { --livingMembers; }
   MemberFields(const MemberFields&) = delete;
   MemberFields& operator=(const MemberFields&) = delete;
 
@@ -27,6 +24,10 @@ struct MemberFields {
 MemberFields& fields(const Member& self) { return fieldsOf<MemberFields>(self); }
 
 constexpr MethodDefinition kMemberMethods[] = {
+    method<"dealloc">([](const Member& self) {
+      if (fields(self).actions.end) fields(self).actions.end();
+      sendSuper<Member, "dealloc">(self);
+    }),
     method<"number">([](const Member& self) { return fields(self).number; }),
     method<"pokes">([](const Member& self) { return fields(self).pokes; }),
     method<"poke">([](const Member& self) -> id {

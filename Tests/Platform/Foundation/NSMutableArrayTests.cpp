@@ -245,6 +245,34 @@ TEST(NSMutableArrayTest, ARaisingMemberLeavesTheArray) {
   EXPECT_EQ(listed(list), "m1 m2 m3");
 }
 
+TEST(NSMutableArrayTest, WhatTheEndsOfMembersRaiseLeavesTheRemoval) {
+  const int before = Member::living();
+  const auto filled = [] {
+    const auto list = NSMutableArray::array();
+    for (int i = 0; i < 3; ++i) {
+      const Member member = Member::with(i);
+      member->actions().end = [i] { throw std::runtime_error("end " + std::to_string(i)); };
+      list->addObject(member);
+    }
+    return list;
+  };
+  NSMutableArray list = filled();
+  EXPECT_EQ(raisedBy([&] { list->removeObjectAtIndex(1); }), "end 1");
+  EXPECT_EQ(raisedBy([&] { list->removeAllObjects(); }), "end 0");
+  EXPECT_EQ(list->count(), 0u);
+  list = filled();
+  EXPECT_EQ(raisedBy([&] { list->removeObjectsInRange({1, 2}); }), "end 1");
+  EXPECT_EQ(raisedBy([&] { list->replaceObjectAtIndex(0, "y"_ns); }), "end 0");
+  EXPECT_EQ(listed(list), "y");
+  list = filled();
+  EXPECT_EQ(raisedBy([&] { list->setArray({"x"_ns}); }), "end 0");
+  EXPECT_EQ(listed(list), "x");
+  list = filled();
+  EXPECT_EQ(raisedBy([&] { list->removeObject(Member::with(2)); }), "end 2");
+  EXPECT_EQ(raisedBy([&] { list = nullptr; }), "end 0");
+  EXPECT_EQ(Member::living(), before);
+}
+
 // --- Against a model -----------------------------------------------------------------------------
 
 void runRandomProgram(const NSMutableArray& list, unsigned seed, int steps) {

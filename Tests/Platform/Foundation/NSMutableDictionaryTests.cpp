@@ -237,6 +237,19 @@ TEST(NSMutableDictionaryTest, TheEndOfAValueFindsTheDictionaryWhole) {
   EXPECT_EQ(Member::living(), before);
 }
 
+TEST(NSMutableDictionaryTest, WhatTheEndsOfValuesRaiseLeavesTheRemoval) {
+  const int before = Member::living();
+  const auto dictionary = NSMutableDictionary::dictionary();
+  for (int i = 0; i < 20; ++i) {
+    const Member member = Member::with(i);
+    member->actions().end = [i] { throw std::runtime_error("end " + std::to_string(i)); };
+    dictionary->setObject(member, member->description());
+  }
+  EXPECT_EQ(raisedBy([&] { dictionary->removeAllObjects(); }), "end 0");
+  EXPECT_EQ(dictionary->count(), 0u);
+  EXPECT_EQ(Member::living(), before);
+}
+
 TEST(NSMutableDictionaryTest, TheEndsOfEntriesOfADyingDictionaryFindItEmpty) {
   NSMutableDictionary dictionary = NSMutableDictionary::dictionary();
   ObjectRecord* lent = dictionary.record();

@@ -161,6 +161,19 @@ TEST(NSMutableSetTest, TheEndOfAMemberFindsTheSetWhole) {
   EXPECT_EQ(Member::living(), before);
 }
 
+TEST(NSMutableSetTest, WhatTheEndsOfMembersRaiseLeavesTheRemoval) {
+  const int before = Member::living();
+  const auto set = NSMutableSet::set();
+  for (int i = 0; i < 20; ++i) {
+    const Member member = Member::with(i);
+    member->actions().end = [i] { throw std::runtime_error("end " + std::to_string(i)); };
+    set->addObject(member);
+  }
+  EXPECT_EQ(raisedBy([&] { set->removeAllObjects(); }), "end 0");
+  EXPECT_EQ(set->count(), 0u);
+  EXPECT_EQ(Member::living(), before);
+}
+
 TEST(NSMutableSetTest, ARaisingMemberLeavesTheSet) {
   const NSMutableSet set = {Member::with(1), Member::with(2)};
   const Member angry = Member::with(2);

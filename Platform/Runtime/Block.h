@@ -76,6 +76,8 @@ struct BlockCode {
       return nullptr;
     }
   }
+  static_assert(alignof(Lambda) <= alignof(std::max_align_t),
+                "a block's lambda may not capture anything aligned beyond std::max_align_t");
   static constexpr BlockOperations operations{
       sizeof(Lambda),
       alignof(Lambda),
@@ -161,7 +163,6 @@ class Block<R(A...)> : public NSBlock {
       Block(Lambda&& lambda) {  // NOLINT: a lambda is a block
     using L = std::decay_t<Lambda>;
     using Code = detail::BlockCodeFor<L, R, A...>;
-    static_assert(alignof(L) <= alignof(std::max_align_t));
     detail::BlockRecord* record = detail::allocateBlock(Code::code(), &Code::operations);
     try {
       ::new (record->lambda) L(static_cast<Lambda&&>(lambda));

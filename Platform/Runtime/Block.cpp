@@ -62,6 +62,9 @@ void stopForWrongBlockTypes(const char* wanted, const char* found) {
 namespace {
 
 constexpr MethodDefinition kMethods[] = {
+    classMethod<"allocWithZone:">([](const Class&, NSZone*) -> id {
+      detail::raise("NSInvalidArgumentException", "a block is made from a lambda, not by alloc");
+    }),
     // Owning a block on the stack makes a heap copy; a heap block is retained.
     method<"copy">([](const NSBlock& self) { return self; }),
     method<"copyWithZone:">([](const NSBlock& self, NSZone*) { return self; }),

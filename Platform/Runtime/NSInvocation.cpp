@@ -150,6 +150,10 @@ NSInvocation makeInvocation(ClassRecord* cls, const NSMethodSignature& signature
 }
 
 constexpr MethodDefinition kMethods[] = {
+    classMethod<"allocWithZone:">([](const Class&, NSZone*) -> id {
+      detail::raise("NSInvalidArgumentException",
+                    "an invocation is made by invocationWithMethodSignature:, not by alloc");
+    }),
     classMethod<"invocationWithMethodSignature:">(
         [](const Class& self, const NSMethodSignature& signature) -> NSInvocation {
           if (!signature) {

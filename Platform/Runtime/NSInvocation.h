@@ -25,6 +25,7 @@ class NSInvocation : public Interface<NSInvocation, NSObject> {
   BRINDLE_PLATFORM_EXPORT static ClassPair<NSInvocation> classPair;
 
   /// An invocation with zeroed arguments. Raises NSInvalidArgumentException for a nil signature.
+  /// The only way to make one: `alloc` raises the same.
   static NSInvocation invocationWithMethodSignature(const NSMethodSignature& signature) {
     return send<"invocationWithMethodSignature:", NSInvocation>(class_(), signature);
   }

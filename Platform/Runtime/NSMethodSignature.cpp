@@ -2,6 +2,7 @@
 
 #include <Brindle/Platform/Definition.h>
 
+#include "Platform/Runtime/Internal/Life.h"
 #include "Platform/Runtime/Internal/Raise.h"
 #include "Platform/Runtime/Internal/SignatureObject.h"
 
@@ -17,6 +18,10 @@ const detail::SignatureData& dataOf(const NSMethodSignature& self) {
 }
 
 constexpr MethodDefinition kMethods[] = {
+    classMethod<"allocWithZone:">([](const Class&, NSZone*) -> id {
+      detail::raise("NSInvalidArgumentException",
+                    "a method signature is made by signatureWithObjCTypes:, not by alloc");
+    }),
     classMethod<"signatureWithObjCTypes:">(
         [](const Class&, const char* types) -> NSMethodSignature {
           return detail::signatureObject(types);
@@ -79,7 +84,7 @@ NSMethodSignature signatureObject(const char* types) {
   }
   ObjectRecord* known = data->object.load(std::memory_order_acquire);
   if (known != nullptr) return NSMethodSignature(Adopt{}, known);
-  NSMethodSignature made = NSMethodSignature::alloc();
+  auto made = adopt<NSMethodSignature>(createInstance(&NSMethodSignature::classPair.cls, 0));
   fieldsOf<Fields>(made).data = data;
   // Immortal before anybody finds it: whoever does counts nothing.
   made.record()->count.store(kCountImmortal, std::memory_order_relaxed);

@@ -15,7 +15,7 @@ class NSMethodSignature : public Interface<NSMethodSignature, NSObject> {
   BRINDLE_PLATFORM_EXPORT static ClassPair<NSMethodSignature> classPair;
 
   /// The signature of an encoding, with or without offsets. Raises NSInvalidArgumentException for
-  /// null or for text that is no encoding. Sizes are the platform's 64-bit ones.
+  /// null or for text that is no encoding; so does `alloc`. Sizes are the platform's 64-bit ones.
   static NSMethodSignature signatureWithObjCTypes(const char* types) {
     return send<"signatureWithObjCTypes:", NSMethodSignature>(class_(), types);
   }

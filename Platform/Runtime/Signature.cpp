@@ -250,7 +250,9 @@ bool parseSignature(const char* types, SignatureData& data) {
     data.ffiArguments.push_back(argument.ffi);
     data.arguments.push_back(std::move(argument));
   }
-  if (data.arguments.size() < 2) return false;
+  // A receiver and a selector: invocations put them there.
+  if (data.arguments.size() < 2 || data.arguments[0].wire != "@" || data.arguments[1].wire != "p")
+    return false;
   data.frameSize = offset;
   data.wire = data.result.wire;
   for (std::size_t i = 2; i < data.arguments.size(); ++i) data.wire += data.arguments[i].wire;

@@ -287,6 +287,10 @@ TEST(BlockTest, CarriesItsEncoding) {
   EXPECT_STREQ(typeEncoding<B>(), "@?");
 }
 
+TEST(BlockTest, AllocRaises) {
+  EXPECT_NE(raised([] { NSBlock::alloc(); }).find("made from a lambda"), std::string::npos);
+}
+
 #if BRINDLE_ASSERTIONS
 TEST(BlockDeathTest, ABlockCalledWithOtherTypesStops) {
   const Block<int(int)> block = [](int n) { return n; };

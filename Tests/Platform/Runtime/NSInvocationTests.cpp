@@ -97,6 +97,11 @@ TEST_F(NSInvocationTest, BeginsZeroed) {
             std::string::npos);
 }
 
+TEST_F(NSInvocationTest, AllocRaisesSinceThereAreNoneWithoutASignature) {
+  EXPECT_NE(raised([] { NSInvocation::new_(); }).find("invocationWithMethodSignature:"),
+            std::string::npos);
+}
+
 TEST_F(NSInvocationTest, IndicesBeyondTheLastRaise) {
   const NSInvocation call = callTo(Callee::new_(), selector<"add:to:">());
   call->setTarget(nullptr);

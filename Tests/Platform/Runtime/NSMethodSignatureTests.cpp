@@ -110,13 +110,21 @@ TEST(NSMethodSignatureTest, TextThatIsNoEncodingRaises) {
                            "v@:v",    "v@:{",    "v@:{A",    "v@:{A=", "v@:{A=i",
                            "v@:{A=}", "v@:{A}",  "v@:^",     "v@:\"",  "v@:@\"NSString",
                            "{A=v}@:", "v@:[4i]", "v@:(U=i)", "v@:b4",  "v@: ",
-                           "v@:^{A",  "v@:^[4",  "@",        "8@0:8"}) {
+                           "v@:^{A",  "v@:^[4",  "@",        "8@0:8",  "vcc",
+                           "v:@",     "v@q",     "vd:",      "v@?i"}) {
     EXPECT_NE(raised([text] {
                 NSMethodSignature::signatureWithObjCTypes(text);
               }).find("NSInvalidArgumentException"),
               std::string::npos)
         << text;
   }
+}
+
+TEST(NSMethodSignatureTest, AllocRaisesSinceThereAreNoEmptyOnes) {
+  EXPECT_EQ(
+      raised([] { NSMethodSignature::new_(); }),
+      "NSInvalidArgumentException: a method signature is made by signatureWithObjCTypes:, not "
+      "by alloc");
 }
 
 TEST(NSMethodSignatureTest, HostileEncodings) {

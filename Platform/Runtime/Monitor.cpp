@@ -6,7 +6,9 @@
 #include <mutex>
 #include <thread>
 #include <unordered_map>
+#include <vector>
 
+#include "Platform/Runtime/Internal/Life.h"
 #include "Platform/Runtime/Internal/Striped.h"
 
 namespace brindle {
@@ -22,6 +24,7 @@ struct Monitor {
 struct Stripe {
   std::mutex lock;
   std::unordered_map<ObjectRecord*, Monitor*> monitors;
+  std::vector<Monitor*> abandoned;  // of objects that ended while a thread was inside
 };
 
 detail::Striped<Stripe>& stripes() {
@@ -38,7 +41,10 @@ int objc_sync_enter(const id& object) {
   {
     const std::lock_guard guard(stripe.lock);
     Monitor*& place = stripe.monitors[object.record()];
-    if (place == nullptr) place = new Monitor;
+    if (place == nullptr) {
+      place = new Monitor;
+      object.record()->flags.fetch_or(detail::kFlagMonitor, std::memory_order_acq_rel);
+    }
     monitor = place;
     ++monitor->users;
   }
@@ -66,6 +72,23 @@ int objc_sync_exit(const id& object) {
     delete monitor;
   }
   return OBJC_SYNC_SUCCESS;
+}
+
+void detail::forgetMonitor(ObjectRecord* record) noexcept {
+  // Not inherited by the next object at this address, which nobody would ever leave.
+  Stripe& stripe = stripes().of(record);
+  const std::lock_guard guard(stripe.lock);
+  auto found = stripe.monitors.find(record);
+  if (found == stripe.monitors.end()) return;
+  Monitor* monitor = found->second;
+  stripe.monitors.erase(found);
+  if (monitor->owner != std::this_thread::get_id() || monitor->users != monitor->entered) {
+    // Whoever else is inside, or waits, still uses it.
+    stripe.abandoned.push_back(monitor);
+    return;
+  }
+  for (; monitor->entered > 0; --monitor->entered) monitor->mutex.unlock();
+  delete monitor;
 }
 
 }  // namespace brindle

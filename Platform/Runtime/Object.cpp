@@ -93,13 +93,15 @@ void dismantle(ObjectRecord* record) {
   while ((record->flags.load(std::memory_order_acquire) & kFlagAssociations) != 0) {
     forgetAssociations(record);
   }
+  if ((record->flags.load(std::memory_order_acquire) & kFlagMonitor) != 0) forgetMonitor(record);
   std::free(record);  // NOLINT(*-no-malloc)
 }
 
 void dispose(ObjectRecord* record) {
   const std::uint32_t flags = record->flags.load(std::memory_order_acquire);
   const ClassData* birth = classOfNumber(flags >> kBirthShift);
-  if ((birth == nullptr || !birth->destructible) && (flags & kFlagAssociations) == 0) {
+  if ((birth == nullptr || !birth->destructible) &&
+      (flags & (kFlagAssociations | kFlagMonitor)) == 0) {
     std::free(record);  // NOLINT(*-no-malloc)
     return;
   }

@@ -23,6 +23,9 @@ void clearWeakReferences(ObjectRecord* record);
 /// Releases the values associated with an object that ends. What their ends raise is parked.
 void forgetAssociations(ObjectRecord* record) noexcept;
 
+/// Forgets the monitor of an object that ends although a thread is inside.
+void forgetMonitor(ObjectRecord* record) noexcept;
+
 /// A heap copy of a block on the stack, owned.
 ObjectRecord* copyStackBlock(ObjectRecord* record);
 

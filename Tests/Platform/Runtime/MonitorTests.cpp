@@ -111,6 +111,25 @@ TEST(MonitorTest, IsLeftWhenAnExceptionPasses) {
   EXPECT_EQ(objc_sync_exit(object), OBJC_SYNC_NOT_OWNING_THREAD_ERROR);
 }
 
+// The next object at the same address was inside from its birth, and kept other threads out.
+TEST(MonitorTest, GoesWithItsObject) {
+  for (int i = 0; i < 100; ++i) {
+    const NSObject object = NSObject::new_();
+    EXPECT_EQ(objc_sync_exit(object), OBJC_SYNC_NOT_OWNING_THREAD_ERROR);
+    objc_sync_enter(object);
+    objc_sync_enter(object);
+  }
+  const Ender inItsEnd = Ender::with([](const Ender& self) { objc_sync_enter(self); });
+}
+
+TEST(MonitorTest, AnObjectThatEndsWhileAnotherThreadIsInside) {
+  id object = Mortal::new_();
+  ObjectRecord* record = object.record();
+  std::thread([record] { objc_sync_enter(borrow<id>(record)); }).join();
+  object = nullptr;
+  EXPECT_EQ(Mortal::living(), 0);
+}
+
 TEST(MonitorTest, TheScopeKeepsItsObject) {
   Mortal object = Mortal::new_();
   {

@@ -22,6 +22,7 @@ class FormatArgument {
     bytes,    // UTF-8
     cString,  // UTF-8 up to a zero byte, or null
     units,    // UTF-16
+    cUnits,   // UTF-16 up to a zero unit, or null
     pointer,
     object,
   };
@@ -40,6 +41,8 @@ class FormatArgument {
   FormatArgument(const std::string& string) noexcept : FormatArgument(std::string_view(string)) {}
   constexpr FormatArgument(std::u16string_view units) noexcept
       : kind_(Kind::units), value_{.pointer = units.data()}, size_(units.size()) {}
+  constexpr FormatArgument(const char16_t* string) noexcept
+      : kind_(Kind::cUnits), value_{.pointer = string} {}
   constexpr FormatArgument(const void* pointer) noexcept
       : kind_(Kind::pointer), value_{.pointer = pointer} {}
   constexpr FormatArgument(std::nullptr_t) noexcept
@@ -62,7 +65,7 @@ class FormatArgument {
   /// The value of an integer, in two's complement.
   [[nodiscard]] constexpr std::uint64_t integer() const noexcept { return value_.integer; }
   [[nodiscard]] constexpr double real() const noexcept { return value_.real; }
-  /// Of bytes, a C string, units, a pointer or an object.
+  /// Of bytes, units, a string up to its zero, a pointer or an object.
   [[nodiscard]] constexpr const void* pointer() const noexcept { return value_.pointer; }
   /// The number of bytes or units.
   [[nodiscard]] constexpr std::size_t size() const noexcept { return size_; }

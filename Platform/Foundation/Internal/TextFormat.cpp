@@ -72,6 +72,7 @@ std::optional<std::uint64_t> integerOf(const FormatArgument& argument) noexcept 
     case Kind::bytes:
     case Kind::cString:
     case Kind::units:
+    case Kind::cUnits:
       break;
   }
   return std::nullopt;
@@ -242,6 +243,14 @@ void appendBytes(Text& target, const Job& job) {
   appendPadded(target, textFromUtf8Replacing(string), job);
 }
 
+// As far as the zero unit. A precision counts units, and no more of them are read.
+TextView unitsOf(const char16_t* string, std::optional<std::size_t> precision) noexcept {
+  std::size_t size = 0;
+  while ((!precision || size < *precision) && string[size] != u'\0') ++size;
+  const bool splitsPair = precision == size && size > 0 && (string[size - 1] & 0xFC00) == 0xD800;
+  return TextView::utf16({string, splitsPair ? size - 1 : size});
+}
+
 // "%@", "%s", "%S": whatever the argument is, its text.
 void appendText(Text& target, Job job, DescribeObject describe) {
   const FormatArgument& argument = *job.argument;
@@ -264,6 +273,11 @@ void appendText(Text& target, Job job, DescribeObject describe) {
                                       argument.size());
       return appendPadded(target, cut(TextView::utf16(units), job.precision), job);
     }
+    case Kind::cUnits:
+      if (const auto* string = static_cast<const char16_t*>(argument.pointer())) {
+        return appendPadded(target, unitsOf(string, job.precision), job);
+      }
+      return appendPadded(target, cut(kNull, job.precision), job);
     case Kind::pointer:
     case Kind::object:
       if (argument.pointer() == nullptr) {

@@ -110,6 +110,14 @@ TEST(TextFormatTest, Characters) {
   EXPECT_EQ(format("%c", {0}), std::string(1, '\0'));
 }
 
+TEST(TextFormatTest, UnitsUpToAZero) {
+  EXPECT_EQ(format("%S|%@|%5S|%.1S", {u"\u4E2D", u"a", u"b", u"cd"}), "\u4E2D|a|    b|c");
+  EXPECT_EQ(format("%S", {static_cast<const char16_t*>(nullptr)}), "(null)");
+  const char16_t open[] = {u'x', 0xD83D, 0xDE00};  // read no further than asked
+  EXPECT_EQ(format("%.3S|%.2S|%.0S|", {open, open, open}), "x\U0001F600|x||");
+  EXPECT_EQ(format("%d", {u"a"}), "");
+}
+
 TEST(TextFormatTest, TextOfEveryKind) {
   EXPECT_EQ(format("%S %s", {std::u16string_view(u"\u4E2D"), std::u16string_view(u"x")}),
             "\u4E2D x");

@@ -35,7 +35,7 @@ int main() {
 
   // [example: date-ranges-interval]
   BDDateInterval both = month->interval();  // one reading of "now" for both ends
-  bool isNow = both.start <= std::chrono::system_clock::now();
+  bool isNow = both.contains(std::chrono::system_clock::now());
   // [end]
   std::cout << "this month has begun: " << (isNow ? "yes" : "no") << '\n';
 

@@ -21,6 +21,7 @@
 #include <chrono>
 #include <cstdint>
 
+#include <Brindle/BDLibrary.h>
 #include <Brindle/Platform/Block.h>
 #include <Brindle/Platform/NSCoder.h>
 #include <Brindle/Platform/NSDate.h>
@@ -57,9 +58,18 @@ enum BDNamedRange : std::int32_t {
 
 /// Both ends of a range, worked out from one reading of "now". Half-open: `end` is not part of it.
 /// Milliseconds reach every date a range can have; dates lie on whole seconds.
+/// Compare with other milliseconds or coarser: the nanoseconds of a system clock do not reach every
+/// date, and overflow.
 struct BDDateInterval {
   std::chrono::sys_time<std::chrono::milliseconds> start;
   std::chrono::sys_time<std::chrono::milliseconds> end;
+
+  /// Whether the time is in the range: `interval.contains(std::chrono::system_clock::now())`.
+  template <class Duration>
+  [[nodiscard]] bool contains(std::chrono::sys_time<Duration> time) const {
+    const auto cut = std::chrono::floor<std::chrono::milliseconds>(time);
+    return start <= cut && cut < end;
+  }
 };
 
 class BDDateRange : public Interface<BDDateRange, NSObject> {

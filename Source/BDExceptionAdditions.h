@@ -5,6 +5,7 @@
 //   }
 #pragma once
 
+#include <Brindle/BDLibrary.h>
 #include <Brindle/Platform/NSException.h>
 #include <Brindle/Platform/NSMutableString.h>
 

@@ -8,6 +8,7 @@
 // reported as NSError instead.
 #pragma once
 
+#include <Brindle/BDLibrary.h>
 #include <Brindle/Platform/NSString.h>
 
 namespace brindle {

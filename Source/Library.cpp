@@ -1,5 +1,6 @@
 // What the library attaches when it is loaded: its classes, superclasses first, and its categories.
 #include <Brindle/BDDateRange.h>
+#include <Brindle/BDLibrary.h>
 #include <Brindle/Platform/Definition.h>
 
 #include "Source/Internal/Categories.h"
@@ -22,4 +23,7 @@ constexpr const CategoryDefinition* kCategories[] = {
 }
 
 }  // namespace
+
+constinit const int kBrindleLibrary = 1;
+
 }  // namespace brindle

@@ -156,8 +156,9 @@ constexpr MethodDefinition defineMethod(bool ofClass) {
   static_assert(std::is_empty_v<F> && std::is_default_constructible_v<F>,
                 "a method's body captures nothing: what it needs is in its receiver's fields");
   using Thunk = MethodThunk<F, decltype(&F::operator())>;
-  static_assert(colonsOf(Name.view()) == Thunk::arguments,
-                "a selector has one colon for each argument");
+  static_assert(
+      colonsOf(Name.view()) == Thunk::arguments,
+      "the selector has another number of colons than the body has arguments behind its receiver");
   return {selectorText<Name>.c_str(), &Thunk::implementation, Thunk::types, Thunk::wire, ofClass};
 }
 
@@ -246,6 +247,10 @@ constexpr ClassRecord* superMetaOf() {
 /// Stops the program: a method of `cls` reached for its fields in an object that has none of them.
 [[noreturn]] BRINDLE_PLATFORM_EXPORT void stopForForeignFields(ObjectRecord* object,
                                                                const ClassRecord* cls);
+/// Stops the program: the definition of `cls` says nothing of the fields that its methods use, or
+/// of others.
+[[noreturn]] BRINDLE_PLATFORM_EXPORT void stopForUndefinedFields(const ClassRecord* cls,
+                                                                 std::size_t wanted);
 BRINDLE_PLATFORM_EXPORT bool hasFieldsOf(const ObjectRecord* object, const ClassRecord* cls);
 
 }  // namespace detail
@@ -264,6 +269,9 @@ F& fieldsOf(const T& self) {
                 "a class declares its own `static ClassPair<Self> classPair;`");
   ObjectRecord* record = self.record();
 #if BRINDLE_ASSERTIONS
+  if (T::classPair.cls.definition->fields.size != sizeof(F)) [[unlikely]] {
+    detail::stopForUndefinedFields(&T::classPair.cls, sizeof(F));
+  }
   if (!detail::hasFieldsOf(record, &T::classPair.cls)) [[unlikely]] {
     detail::stopForForeignFields(record, &T::classPair.cls);
   }

@@ -42,6 +42,7 @@ class Field {
 
   explicit operator bool() const noexcept { return static_cast<bool>(value_); }
   friend bool operator==(const Field& a, const id& b) noexcept { return a.value_ == b; }
+  friend bool operator==(const Field& a, std::nullptr_t) noexcept { return a.value_ == nullptr; }
 
  private:
   T value_;

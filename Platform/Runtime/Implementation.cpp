@@ -67,4 +67,13 @@ void stopForForeignFields(ObjectRecord* object, const ClassRecord* cls) {
   std::abort();
 }
 
+void stopForUndefinedFields(const ClassRecord* cls, std::size_t wanted) {
+  std::fprintf(
+      stderr,
+      "brindle: the methods of %s use fields of %zu bytes, but its ClassDefinition has %u: "
+      "give it .fields = fieldsDefinition<Fields>()\n",
+      cls->name, wanted, cls->definition->fields.size);
+  std::abort();
+}
+
 }  // namespace brindle::detail

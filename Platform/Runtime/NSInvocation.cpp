@@ -221,6 +221,20 @@ constexpr ClassDefinition kDefinition{
 
 constinit ClassPair<NSInvocation> NSInvocation::classPair{kDefinition};
 
+void NSInvocation::checkType(NSInteger place, const char* wire, const char* encoding) const {
+  if (*this == nullptr) return;
+  const Fields& f = fields(*this);
+  const bool isResult = place == kResult;
+  if (!isResult) checkIndex(f, static_cast<NSUInteger>(place));
+  const detail::TypeData& type =
+      isResult ? f.data().result : f.data().arguments[static_cast<std::size_t>(place)];
+  if (type.wire == wire) return;
+  detail::raise("NSInvalidArgumentException",
+                (isResult ? std::string("the result") : "argument " + std::to_string(place)) +
+                    " of " + sel_getName(selector()) + " is " + type.encoding + ", not " +
+                    encoding);
+}
+
 namespace detail {
 
 NSInvocation newInvocation(const NSMethodSignature& signature, ObjectRecord* receiver,

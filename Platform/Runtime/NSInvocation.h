@@ -53,25 +53,30 @@ class NSInvocation : public Interface<NSInvocation, NSObject> {
   }
   void getReturnValueBytes(void* bytes) const { send<"getReturnValue:">(*this, bytes); }
 
-  /// The same, typed; objects owned as references are. The type must be the signature's own.
+  /// The same, typed; objects owned as references are. A type other than the signature's raises
+  /// NSInvalidArgumentException: `setResult(std::int64_t{7})` for a result that is "q".
   template <class T>
   void setArgument(NSUInteger index, const T& value) const {
-    const auto wire = detail::Passed<T>(value).wire();
+    requireType<T>(static_cast<NSInteger>(index));
+    const auto wire = detail::Passed<std::decay_t<const T&>>(value).wire();
     setArgumentBytes(&wire, index);
   }
   template <class T>
   T argument(NSUInteger index) const {
+    requireType<T>(static_cast<NSInteger>(index));
     detail::Wire<T> wire{};
     getArgumentBytes(&wire, index);
     return lent<T>(wire);
   }
   template <class T>
   void setResult(const T& value) const {
-    const auto wire = detail::Passed<T>(value).wire();
+    requireType<T>(kResult);
+    const auto wire = detail::Passed<std::decay_t<const T&>>(value).wire();
     setReturnValueBytes(&wire);
   }
   template <class T>
   T result() const {
+    requireType<T>(kResult);
     detail::Wire<T> wire{};
     getReturnValueBytes(&wire);
     return lent<T>(wire);
@@ -87,6 +92,17 @@ class NSInvocation : public Interface<NSInvocation, NSObject> {
   void invokeWithTarget(const id& target) const { send<"invokeWithTarget:">(*this, target); }
 
  private:
+  static constexpr NSInteger kResult = -1;
+
+  /// Raises unless a value of T is what the signature has there.
+  template <class T>
+  void requireType(NSInteger place) const {
+    using Type = std::decay_t<const T&>;
+    checkType(place, detail::TypeTraits<Type>::wireCode.c_str(), typeEncoding<Type>());
+  }
+  BRINDLE_PLATFORM_EXPORT void checkType(NSInteger place, const char* wire,
+                                         const char* encoding) const;
+
   template <class T>
   static T lent(detail::Wire<T> wire) {
     if constexpr (Reference<T>)

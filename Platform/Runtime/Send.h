@@ -27,11 +27,11 @@ concept Receiver = Reference<T> || std::derived_from<std::remove_cvref_t<T>, Cla
 
 template <class R, class... A>
 inline R callImplementation(IMP imp, ObjectRecord* object, SEL sel, const A&... a) {
-  auto function = typedImplementation<Wire<R>, Wire<std::decay_t<A>>...>(imp);
+  auto function = typedImplementation<Wire<R>, Wire<std::decay_t<const A&>>...>(imp);
   if constexpr (std::is_void_v<R>) {
-    function(object, sel, Passed<std::decay_t<A>>(a).wire()...);
+    function(object, sel, Passed<std::decay_t<const A&>>(a).wire()...);
   } else {
-    return fromWire<R>(function(object, sel, Passed<std::decay_t<A>>(a).wire()...));
+    return fromWire<R>(function(object, sel, Passed<std::decay_t<const A&>>(a).wire()...));
   }
 }
 
@@ -42,9 +42,9 @@ inline void checkSend([[maybe_unused]] ObjectRecord* object,
   const char* wire = method->wire.load(std::memory_order_acquire);
   // An implementation that is being exchanged at this moment is checked the next time.
   if (wire == nullptr || method->implementation.load(std::memory_order_acquire) != imp) return;
-  if (!sameWire(wire, wireTypes<R, std::decay_t<A>...>.c_str())) [[unlikely]] {
-    stopForWrongTypes(object, method, methodTypes<R, std::decay_t<A>...>.c_str(),
-                      wireTypes<R, std::decay_t<A>...>.c_str());
+  if (!sameWire(wire, wireTypes<R, std::decay_t<const A&>...>.c_str())) [[unlikely]] {
+    stopForWrongTypes(object, method, methodTypes<R, std::decay_t<const A&>...>.c_str(),
+                      wireTypes<R, std::decay_t<const A&>...>.c_str());
   }
 #endif
 }
@@ -53,7 +53,7 @@ template <class R, class... A>
 R forward(ObjectRecord* object, SEL sel, const A&... a) {
   auto forwardWires = [object, sel](auto... wire) -> R {
     void* arguments[] = {static_cast<void*>(&wire)..., nullptr};
-    const char* codes = wireTypes<R, std::decay_t<A>...>.c_str();
+    const char* codes = wireTypes<R, std::decay_t<const A&>...>.c_str();
     if constexpr (std::is_void_v<R>) {
       forwardMessage(object, sel, codes, arguments, nullptr);
     } else {
@@ -62,7 +62,7 @@ R forward(ObjectRecord* object, SEL sel, const A&... a) {
       return fromWire<R>(result);
     }
   };
-  return forwardWires(Passed<std::decay_t<A>>(a).wire()...);
+  return forwardWires(Passed<std::decay_t<const A&>>(a).wire()...);
 }
 
 template <class R, class... A>
@@ -82,9 +82,9 @@ template <class R, class... A>
 
 template <FixedString Name, class R, class... A>
 inline R sendFrom(ClassRecord* cls, ObjectRecord* object, const A&... a) {
-  static_assert(
-      colonsOf(Name.view()) == (std::size_t{0} + ... + (VariadicTail<std::decay_t<A>> ? 0U : 1U)),
-      "a selector has one colon for each argument");
+  static_assert(colonsOf(Name.view()) ==
+                    (std::size_t{0} + ... + (VariadicTail<std::decay_t<const A&>> ? 0U : 1U)),
+                "the selector has another number of colons than the send has arguments");
   SEL sel = selectorSlot<Name>.load(std::memory_order_acquire);
   MethodRecord* method = findMethod(cls, sel);
   IMP imp = method->implementation.load(std::memory_order_acquire);

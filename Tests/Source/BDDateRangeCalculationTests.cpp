@@ -43,6 +43,20 @@ std::string added(const NSDate& date, std::int64_t count, BDTimeUnit unit) {
   return fieldsOfDate(BDDateRange::new_()->add(count, unit, date)).substr(0, 10);
 }
 
+TEST(BDDateRangeCalculation, IntervalsContainTimesFromTheStartToBeforeTheEnd) {
+  using namespace std::chrono;
+  const DateSettings settings("UTC");
+  const BDDateInterval day =
+      BDDateRange::dateRangeWithAnchor(dateOf(2024, 5, 15), 0, 1)->interval();
+  EXPECT_TRUE(day.contains(day.start));
+  EXPECT_FALSE(day.contains(day.end));
+  EXPECT_TRUE(day.contains(time_point_cast<nanoseconds>(day.end) - nanoseconds(1)));
+  EXPECT_FALSE(day.contains(time_point_cast<nanoseconds>(day.start) - nanoseconds(1)));
+  // All time reaches further than nanoseconds can count.
+  const auto all = BDDateRange::dateRangeWithNamedRange(BDNamedRangeAll)->interval();
+  EXPECT_TRUE(all.contains(system_clock::now()));
+}
+
 }  // namespace
 
 TEST(BDDateRangeCalculation, Tour) {

@@ -63,12 +63,20 @@ class Outdated : public Interface<Outdated, NSObject> {
 };
 constexpr ClassDefinition kOutdated{.version = kDefinitionVersion + 1, .name = "Outdated"};
 
+class Forgetful : public Interface<Forgetful, NSObject> {
+ public:
+  using Interface::Interface;
+  static ClassPair<Forgetful> classPair;
+};
+constexpr ClassDefinition kForgetful{.name = "Forgetful"};
+
 }  // namespace
 constinit ClassPair<Initialized> Initialized::classPair{kInitialized};
 constinit ClassPair<InitializedToo> InitializedToo::classPair{kInitializedToo};
 constinit ClassPair<FirstTwin> FirstTwin::classPair{kTwinOne};
 constinit ClassPair<SecondTwin> SecondTwin::classPair{kTwinTwo};
 constinit ClassPair<Outdated> Outdated::classPair{kOutdated};
+constinit ClassPair<Forgetful> Forgetful::classPair{kForgetful};
 namespace {
 
 TEST(ClassTest, Tour) {
@@ -276,6 +284,13 @@ TEST(ClassTest, NilsOfTheFunctionsOnClasses) {
   EXPECT_FALSE(Class());
   EXPECT_FALSE((send<"new", id>(Class())));
 }
+
+#if BRINDLE_ASSERTIONS
+TEST(ClassDeathTest, FieldsThatTheDefinitionDoesNotKnowStop) {
+  EXPECT_DEATH(fieldsOf<std::int64_t>(Forgetful::new_()) = 1,
+               "the methods of Forgetful use fields of 8 bytes, but its ClassDefinition has 0");
+}
+#endif
 
 TEST(ClassDeathTest, ADefinitionOfAnotherLayoutIsRefused) {
   EXPECT_DEATH(registerClass(Outdated::classPair), "class Outdated was built for layout");

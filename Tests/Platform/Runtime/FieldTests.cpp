@@ -65,6 +65,7 @@ TEST(FieldTest, TakeGivesUpTheObject) {
 
 TEST(FieldTest, NilAnswersZero) {
   const Field<Mortal> field;
+  EXPECT_TRUE(field == nullptr);
   EXPECT_EQ(field->tag(), 0);
   EXPECT_FALSE(field.get());
 }

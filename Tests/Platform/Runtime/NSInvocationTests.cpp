@@ -112,6 +112,22 @@ TEST_F(NSInvocationTest, IndicesBeyondTheLastRaise) {
   }
 }
 
+TEST_F(NSInvocationTest, ValuesOfOtherTypesAreRefused) {
+  const NSInvocation call = callTo(Callee::new_(), selector<"join:with:">());
+  EXPECT_EQ(raised([&call] { call->setResult(7); }),
+            "NSInvalidArgumentException: the result of join:with: is Q, not i");
+  EXPECT_EQ(raised([&call] { static_cast<void>(call->result<int>()); }),
+            "NSInvalidArgumentException: the result of join:with: is Q, not i");
+  EXPECT_EQ(raised([&call] { call->setArgument(2, 1.5); }),
+            "NSInvalidArgumentException: argument 2 of join:with: is r*, not d");
+  EXPECT_EQ(raised([&call] { static_cast<void>(call->argument<id>(3)); }),
+            "NSInvalidArgumentException: argument 3 of join:with: is r*, not @");
+  call->setArgument(2, "a literal");
+  EXPECT_STREQ(call->argument<const char*>(2), "a literal");
+  call->setResult(NSUInteger{7});
+  EXPECT_EQ(call->result<NSUInteger>(), 7U);
+}
+
 TEST_F(NSInvocationTest, AnInvocationIsUsedAgain) {
   const Callee callee = Callee::new_();
   const NSInvocation call = callTo(callee, selector<"made">());

@@ -12,7 +12,6 @@
 namespace brindle {
 namespace {
 
-using detail::ArrayItems;
 using detail::storageOf;
 
 // More is given only when it is needed: a capacity is a hint, and nobody has checked it.

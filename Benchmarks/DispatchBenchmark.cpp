@@ -1,7 +1,5 @@
 // What a message costs, beside a C++ virtual call in the same run and the same work in other object
 // runtimes.
-#include <memory>
-
 #include <Brindle/Platform/AutoreleasePool.h>
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/Field.h>
@@ -10,6 +8,7 @@
 #include <Brindle/Platform/NSObject.h>
 
 #include "PeerRun.h"
+#include "VirtualCall.h"
 
 namespace brindle {
 namespace {
@@ -56,27 +55,6 @@ constexpr MethodDefinition kSenderMethods[] = {
 constexpr ClassDefinition kSender{
     .name = "Sender", .methods = kSenderMethods, .fields = fieldsDefinition<SenderFields>()};
 
-/// The same in plain C++. Two classes, so that the compiler cannot know which one it calls.
-class Virtual {
- public:
-  Virtual() = default;
-  Virtual(const Virtual&) = delete;
-  Virtual& operator=(const Virtual&) = delete;
-  virtual ~Virtual() = default;
-  [[nodiscard]] virtual int number() const = 0;
-};
-class Keeper : public Virtual {
- public:
-  [[nodiscard]] int number() const override { return number_; }
-
- private:
-  int number_ = 7;
-};
-class Constant : public Virtual {
- public:
-  [[nodiscard]] int number() const override { return 8; }
-};
-
 }  // namespace
 
 constinit ClassPair<Answerer> Answerer::classPair{kAnswerer};
@@ -85,18 +63,6 @@ constinit ClassPair<Sender> Sender::classPair{kSender};
 namespace {
 
 // --- Each reads its receiver from memory and keeps the answer ------------------------------------
-
-void virtualCall(benchmark::State& state) {
-  std::unique_ptr<Virtual> receiver;
-  if (state.max_iterations > 0)
-    receiver = std::make_unique<Keeper>();
-  else
-    receiver = std::make_unique<Constant>();
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(receiver);
-    benchmark::DoNotOptimize(receiver->number());
-  }
-}
 
 void typedSend(benchmark::State& state) {
   Answerer receiver = Answerer::new_();
@@ -162,7 +128,7 @@ void emptyPool(benchmark::State& state) {
   for (auto _ : state) const AutoreleasePool pool;
 }
 
-BENCHMARK(virtualCall)->Name("virtual call");
+BENCHMARK(bench::virtualCall)->Name("virtual call");
 BENCHMARK(typedSend)->Name("typed send");
 BENCHMARK(sendToNil)->Name("send to nil");
 BENCHMARK(sendForObject)->Name("send for a stored object");

@@ -1,48 +1,47 @@
-// Changing a method of a class that one did not write, and calling the method that was there
-// before.
-#include <atomic>
+// Changing a method of a class that one did not write, calling the method that was there before,
+// and putting it back.
 #include <iostream>
 #include <string>
 
-#include <Brindle/Platform/Definition.h>
+#include <Brindle/BDSwizzle.h>
 #include <Brindle/Platform/NSString.h>
-#include <Brindle/Platform/Runtime.h>
 
 using namespace brindle;
 
 namespace {
 
-std::atomic<IMP> previousUppercase;
-std::atomic<int> calls{0};
+ImplementationSlot<NSString(NSString)> previousUppercase;
+ImplementationSlot<NSString(NSString)> previousLowercase;
 
-/// From now on `uppercaseString` of every string is counted, and ends with an exclamation mark.
-void install() {
-  const Class cls = NSString::class_();
-  const TypedImplementation mine = implementation([](const NSString& self, Cmd cmd) -> NSString {
-    ++calls;
-    const NSString upper = callImplementation<NSString>(previousUppercase, self, cmd.selector);
-    return upper->stringByAppendingString("!"_ns);
-  });
-  // The slot first, then the method: another thread may send in between.
-  previousUppercase = class_getMethodImplementation(cls, selector<"uppercaseString">());
-  class_replaceMethod(cls, selector<"uppercaseString">(), mine.implementation, mine.types);
-}
-
-void uninstall() {
-  method_setImplementation(
-      class_getInstanceMethod(NSString::class_(), selector<"uppercaseString">()),
+/// From now on `uppercaseString` of every string ends with an exclamation mark.
+bool shout() {
+  return swizzle(
+      NSString::class_(), selector<"uppercaseString">(),
+      [](const NSString& self, Cmd cmd) -> NSString {
+        return previousUppercase(self, cmd)->stringByAppendingString("!"_ns);
+      },
       previousUppercase);
 }
 
 }  // namespace
 
 int main() {
-  const NSString word = "hello"_ns;
+  const NSString word = "Hello"_ns;
   std::cout << "before: " << word->uppercaseString() << '\n';
-  install();
-  std::cout << "during: " << word->uppercaseString() << '\n';
-  const bool changed = word->uppercaseString()->isEqualToString("HELLO!"_ns);
-  uninstall();
-  std::cout << "after:  " << word->uppercaseString() << " (" << calls << " calls counted)\n";
-  return changed && std::string(word->uppercaseString()) == "HELLO" ? 0 : 1;
+  if (!shout()) return 1;
+  std::cout << "after:  " << word->uppercaseString() << '\n';
+
+  int calls = 0;
+  {
+    const SwizzleToken counting = scopedSwizzle(
+        NSString::class_(), selector<"lowercaseString">(),
+        [&calls](const NSString& self, Cmd cmd) -> NSString {
+          ++calls;
+          return previousLowercase(self, cmd);
+        },
+        previousLowercase);
+    std::cout << "during: " << word->lowercaseString() << '\n';
+  }
+  std::cout << "then:   " << word->lowercaseString() << " (" << calls << " call counted)\n";
+  return calls == 1 && std::string(word->uppercaseString()) == "HELLO!" ? 0 : 1;
 }

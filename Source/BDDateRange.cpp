@@ -1,5 +1,5 @@
 // Date ranges: the value object. BDDateRangeCalculation.cpp works out the dates,
-// BDDateRangeNames.cpp knows the named ranges.
+// BDDateRangeNames.cpp knows the named ranges, BDDateRangeDescriptions.cpp the words.
 #include <Brindle/BDDateRange.h>
 
 #include <atomic>
@@ -155,6 +155,15 @@ constexpr MethodDefinition kMethods[] = {
     }),
     classMethod<"namedRangeFrom:">(
         [](const Class&, const BDDateRange& range) { return internal::nameOfDateRange(range); }),
+    classMethod<"nameForSingularUnit:">([](const Class& self, BDTimeUnit unit) {
+      return internal::singularNameOfUnit(self, unit);
+    }),
+    classMethod<"nameForPluralUnit:">(
+        [](const Class& self, BDTimeUnit unit) { return internal::pluralNameOfUnit(self, unit); }),
+    classMethod<"descriptionForUnit:offset:">(
+        [](const ClassOf<BDDateRange>& self, BDTimeUnit unit, std::int64_t offset) {
+          return internal::descriptionOfOffset(self, unit, offset);
+        }),
 
     method<"anchor">([](const BDDateRange& self) { return readAnchor(fields(self)); }),
     method<"setAnchor:">(

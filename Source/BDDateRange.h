@@ -26,6 +26,7 @@
 #include <Brindle/Platform/NSCoder.h>
 #include <Brindle/Platform/NSDate.h>
 #include <Brindle/Platform/NSSet.h>
+#include <Brindle/Platform/NSString.h>
 
 namespace brindle {
 
@@ -108,6 +109,24 @@ class BDDateRange : public Interface<BDDateRange, NSObject> {
     BDNamedRange namedRangeFrom(const BDDateRange& range) const {
       return send<"namedRangeFrom:", BDNamedRange>(*this, range);
     }
+    /// The word for one of a unit, and for any other count, in the user's language: "day", "days".
+    /// They are the forms that descriptionForUnit:offset: needs behind a number. Looked up at each
+    /// call in the library's own bundle; the English word where there is no other. Raise
+    /// BDInternalInconsistencyException for a number that is no unit.
+    NSString nameForSingularUnit(BDTimeUnit unit) const {
+      return send<"nameForSingularUnit:", NSString>(*this, unit);
+    }
+    NSString nameForPluralUnit(BDTimeUnit unit) const {
+      return send<"nameForPluralUnit:", NSString>(*this, unit);
+    }
+    /// How far away something is, in the user's language: "3 weeks ago", "1 day from now", "this
+    /// quarter". The unit's word is asked of the receiving class. The number is the absolute value
+    /// of the offset's low 32 bits (-2147483648 stays negative), the direction that of the whole
+    /// offset. One plural serves all numbers; relativePhrase in <Brindle/BDRelativePhrases.h>
+    /// knows each language's own. Raises as the words do.
+    NSString descriptionForUnit(BDTimeUnit unit, std::int64_t offset) const {
+      return send<"descriptionForUnit:offset:", NSString>(*this, unit, offset);
+    }
   };
 
   // The same, sent to BDDateRange itself.
@@ -126,6 +145,13 @@ class BDDateRange : public Interface<BDDateRange, NSObject> {
   }
   static BDNamedRange namedRangeFrom(const BDDateRange& range) {
     return class_()->namedRangeFrom(range);
+  }
+  static NSString nameForSingularUnit(BDTimeUnit unit) {
+    return class_()->nameForSingularUnit(unit);
+  }
+  static NSString nameForPluralUnit(BDTimeUnit unit) { return class_()->nameForPluralUnit(unit); }
+  static NSString descriptionForUnit(BDTimeUnit unit, std::int64_t offset) {
+    return class_()->descriptionForUnit(unit, offset);
   }
 
   /// The moment the range is relative to; nil means now, read anew at each evaluation. Atomic.

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <Brindle/BDExceptions.h>
+#include <Brindle/BDSingleton.h>
 #include <Brindle/Platform/CivilDate.h>
 #include <Brindle/Platform/MethodChanges.h>
 #include <Brindle/Platform/NSCalendar.h>
@@ -89,10 +90,15 @@ CivilDate rounded(const CivilDate& day, BDTimeUnit unit, std::int64_t weekday,
 
 /// The classes whose methods the messages of this file run. As long as nobody changes one, and the
 /// range is a plain BDDateRange, the dates are worked out without the objects in between.
+std::initializer_list<Class> watchedClasses() {
+  static const std::initializer_list<Class> classes = {
+      BDDateRange::class_(),      NSDate::class_(),     NSCalendar::class_(),
+      NSDateComponents::class_(), NSTimeZone::class_(), NSLocale::class_()};
+  return classes;
+}
+
 MethodWatch& watch() {
-  static auto& classes =
-      *new MethodWatch{BDDateRange::class_(),      NSDate::class_(),     NSCalendar::class_(),
-                       NSDateComponents::class_(), NSTimeZone::class_(), NSLocale::class_()};
+  static auto& classes = *new MethodWatch(watchedClasses());
   return classes;
 }
 
@@ -174,6 +180,8 @@ BDDateInterval sentInterval(const BDDateRange& range) {
 }  // namespace
 
 void watchDateRangeMethods() {
+  // The answer becomes a method of the class: not while it is watched.
+  for (const Class cls : watchedClasses()) hasSingletonProtocol(cls);
   watch();
   plainEnds();
 }

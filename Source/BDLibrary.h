@@ -10,13 +10,16 @@
 namespace brindle {
 
 extern "C" {
-/// Stands for the library being there. Its value means nothing.
-BRINDLE_EXPORT extern const int kBrindleLibrary;
+/// Stands for the library being there: what links the library can see this name, and only the code
+/// of such programs and libraries has its `awake` called (BDAwake.h). Its value is 1 and means
+/// nothing.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name that the loader is asked for
+BRINDLE_EXPORT extern const int __kBrindleAwakeLinkCheckingSymbol;
 }
 
 namespace {
 // NOLINTNEXTLINE: one in each source file is what it is for.
-[[gnu::used]] const int* const kBrindleLibraryIsUsed = &kBrindleLibrary;
+[[gnu::used]] const int* const kBrindleLibraryIsUsed = &__kBrindleAwakeLinkCheckingSymbol;
 }  // namespace
 
 }  // namespace brindle

@@ -1,13 +1,7 @@
 #include <Brindle/Platform/NSData.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <string>
 
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/NSCopying.h>
@@ -15,6 +9,8 @@
 
 #include "Platform/Foundation/Internal/Arguments.h"
 #include "Platform/Foundation/Internal/DataStorage.h"
+#include "Platform/Foundation/Internal/FileContents.h"
+#include "Platform/Foundation/Internal/PathAccess.h"
 #include "Platform/Runtime/Internal/Life.h"
 
 namespace brindle {
@@ -28,59 +24,6 @@ id makeOfClass(const Class& cls, const void* bytes, NSUInteger length) {
 
 bool areEqual(const NSData& self, const NSData& other) {
   return self == other || (other && self->view() == other->view());
-}
-
-bool readFile(const std::string& path, std::string& bytes) {
-  const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (file < 0) return false;
-  char buffer[65536];
-  ssize_t count = 0;
-  for (;;) {
-    count = ::read(file, buffer, sizeof buffer);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) break;
-    bytes.append(buffer, static_cast<std::size_t>(count));
-  }
-  ::close(file);
-  return count == 0;
-}
-
-bool writeAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(file, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return true;
-}
-
-bool writeInPlace(const std::string& path, std::string_view bytes) {
-  const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (file < 0) return false;
-  const bool written = writeAll(file, bytes);
-  return ::close(file) == 0 && written;
-}
-
-// A file beside the target that takes its place and its permissions.
-bool writeAtomically(const std::string& path, std::string_view bytes) {
-  std::string beside = path + ".XXXXXX";
-  const int file = ::mkostemp(beside.data(), O_CLOEXEC);
-  if (file < 0) return false;
-  struct stat old {};
-  mode_t mode = 0;
-  if (::stat(path.c_str(), &old) == 0) {
-    mode = old.st_mode & 07777U;
-  } else {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    mode = 0666U & ~mask;
-  }
-  bool written = writeAll(file, bytes) && ::fchmod(file, mode) == 0 && ::fsync(file) == 0;
-  written = ::close(file) == 0 && written;
-  if (written && ::rename(beside.c_str(), path.c_str()) == 0) return true;
-  ::unlink(beside.c_str());
-  return false;
 }
 
 // "<0a0b0c0d 0e>": groups of four bytes.
@@ -106,8 +49,9 @@ constexpr MethodDefinition kMethods[] = {
       return send<"initWithData:", id>(send<"alloc", id>(self), other);
     }),
     classMethod<"dataWithContentsOfFile:">([](const Class& self, const NSString& path) -> id {
+      const auto name = detail::fileNameOf(path);
       std::string bytes;
-      if (!path || !readFile(std::string(path), bytes)) return nullptr;
+      if (!name || internal::readFile(*name, bytes) != 0) return nullptr;
       return makeOfClass(self, bytes.data(), bytes.size());
     }),
     method<"init">([](const NSData& self) -> id { return self->initWithBytes(nullptr, 0); }),
@@ -148,12 +92,11 @@ constexpr MethodDefinition kMethods[] = {
     method<"hash">([](const NSData& self) -> NSUInteger {
       return std::hash<std::string_view>()(self->view());
     }),
-    method<"writeToFile:atomically:">([](const NSData& self, const NSString& path,
-                                         bool atomically) {
-      if (!path) return false;
-      const std::string name(path);
-      return atomically ? writeAtomically(name, self->view()) : writeInPlace(name, self->view());
-    }),
+    method<"writeToFile:atomically:">(
+        [](const NSData& self, const NSString& path, bool atomically) {
+          const auto name = detail::fileNameOf(path);
+          return name && internal::writeFile(*name, self->view(), atomically) == 0;
+        }),
     method<"description">([](const NSData& self) { return described(self->view()); }),
     method<"copyWithZone:">([](const NSData& self, NSZone*) -> id { return self; }),
     method<"mutableCopyWithZone:">([](const NSData& self, NSZone*) -> id {

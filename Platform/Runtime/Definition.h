@@ -119,10 +119,12 @@ namespace detail {
 template <class F, class Type>
 struct MethodThunk;
 
+// Hidden, so that a class in a header of two libraries runs each library's own code: whoever asks
+// the loader where a method lives must not hear of the other one.
 template <class F, class R, class Self, class... A>
-struct MethodThunk<F, R (F::*)(Self, A...) const> {
+struct [[gnu::visibility("hidden")]] MethodThunk<F, R (F::*)(Self, A...) const> {
   using Result = std::remove_cvref_t<R>;
-  static Wire<Result> call(ObjectRecord* self, SEL, Wire<A>... a) {
+  static Wire<Result> call(ObjectRecord * self, SEL, Wire<A>... a) {
     return wireResult<Result>(F{}, Receive<Self>{self}.get(), Receive<A>{a}.get()...);
   }
   static IMP implementation() { return eraseImplementation(&call); }
@@ -133,9 +135,9 @@ struct MethodThunk<F, R (F::*)(Self, A...) const> {
 };
 
 template <class F, class R, class Self, class... A>
-struct MethodThunk<F, R (F::*)(Self, Cmd, A...) const> {
+struct [[gnu::visibility("hidden")]] MethodThunk<F, R (F::*)(Self, Cmd, A...) const> {
   using Result = std::remove_cvref_t<R>;
-  static Wire<Result> call(ObjectRecord* self, SEL sel, Wire<A>... a) {
+  static Wire<Result> call(ObjectRecord * self, SEL sel, Wire<A>... a) {
     return wireResult<Result>(F{}, Receive<Self>{self}.get(), Cmd{sel}, Receive<A>{a}.get()...);
   }
   static IMP implementation() { return eraseImplementation(&call); }

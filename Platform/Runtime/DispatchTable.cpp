@@ -94,8 +94,6 @@ void inheritLocked(ClassData* data, std::size_t page, std::size_t index, MethodR
 
 }  // namespace
 
-constinit std::atomic<std::uint64_t> methodEpoch{0};
-
 constinit const EmptyTable kEmptyTable = emptyTableOf(&emptyPage);
 
 std::size_t tablePagesLocked() { return tablePages; }
@@ -145,11 +143,6 @@ MethodRecord* lookUpMethod(const ClassData* data, SEL selector) noexcept {
   return method == &missingMethod ? nullptr : method;
 }
 
-void noteChangeLocked(ClassData* data) noexcept {
-  ++data->changes;
-  methodEpoch.fetch_add(1, std::memory_order_release);
-}
-
 void storeImplementation(MethodRecord* method, IMP imp, const char* wire) noexcept {
   method->wire.store(nullptr, std::memory_order_release);
   method->implementation.store(imp, std::memory_order_release);
@@ -157,9 +150,3 @@ void storeImplementation(MethodRecord* method, IMP imp, const char* wire) noexce
 }
 
 }  // namespace brindle::detail
-
-std::uint32_t brindle::class_getMethodChanges(Class cls) {
-  if (!cls) return 0;
-  const std::lock_guard guard(detail::runtimeLock());
-  return detail::realizedLocked(cls.record())->changes;
-}

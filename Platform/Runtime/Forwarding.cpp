@@ -201,6 +201,11 @@ void closureEntry(ffi_cif*, void* result, void** arguments, void* user) {
 
 }  // namespace
 
+std::mutex& closureLock() {
+  static auto& lock = *new std::mutex;
+  return lock;
+}
+
 void raiseUnrecognized(const ClassRecord& cls, SEL selector, const void* receiver) {
   std::array<char, 32> address{};
   std::snprintf(address.data(), address.size(), "%p", receiver);
@@ -284,8 +289,7 @@ IMP forwardingImplementation(const char* types) {
   detail::SignatureData* data = detail::signatureData(types != nullptr ? types : "@16@0:8");
   if (data == nullptr) data = detail::signatureData("@16@0:8");
   if (IMP known = data->forwarder.load(std::memory_order_acquire)) return known;
-  static std::mutex lock;
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(detail::closureLock());
   if (IMP known = data->forwarder.load(std::memory_order_acquire)) return known;
   void* code = nullptr;
   auto* closure = static_cast<ffi_closure*>(ffi_closure_alloc(sizeof(ffi_closure), &code));

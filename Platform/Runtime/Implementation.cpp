@@ -50,8 +50,10 @@ void stopForWrongTypes(ObjectRecord* receiver, const MethodRecord* method, const
 
 bool hasFieldsOf(const ObjectRecord* object, const ClassRecord* cls) {
   if (object == nullptr) return false;
-  const std::uint32_t number = object->flags.load(std::memory_order_relaxed) >> kBirthShift;
-  const ClassData* birth = classOfNumber(number);
+  const std::uint32_t flags = object->flags.load(std::memory_order_relaxed);
+  // A class has marks there.
+  if ((flags & kFlagClass) != 0) return false;
+  const ClassData* birth = classOfNumber(flags >> kBirthShift);
   for (const ClassRecord* c = birth != nullptr ? birth->record : nullptr; c != nullptr;
        c = c->superclass) {
     if (c == cls) return true;

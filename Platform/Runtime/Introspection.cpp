@@ -139,6 +139,14 @@ BOOL class_conformsToProtocol(Class cls, const Protocol& protocol) {
   return NO;
 }
 
+std::vector<Protocol> class_copyProtocolList(Class cls) {
+  if (!cls) return {};
+  const std::lock_guard guard(detail::runtimeLock());
+  std::vector<Protocol> protocols;
+  for (ProtocolRecord* own : realizedLocked(cls.record())->protocols) protocols.emplace_back(*own);
+  return protocols;
+}
+
 BOOL class_addProtocol(Class cls, const Protocol& protocol) {
   if (!cls || !protocol || class_conformsToProtocol(cls, protocol) != NO) return NO;
   const std::lock_guard guard(detail::runtimeLock());

@@ -13,12 +13,38 @@ using detail::realized;
 using detail::realizedLocked;
 
 namespace {
-void noteChangeLocked(const MethodRecord* method) {
-  detail::noteChangeLocked(method->owner->data.load(std::memory_order_relaxed));
+using Kind = MethodChange::Kind;
+
+void noteChangeLocked(const MethodRecord* method, Kind kind, IMP before, IMP after,
+                      const void* from) {
+  detail::noteChangeLocked(method->owner->data.load(std::memory_order_relaxed),
+                           {.selector = method->name,
+                            .kind = kind,
+                            .before = before,
+                            .after = after,
+                            .when = {},
+                            .from = nullptr},
+                           from);
 }
 
 const char* wireFor(IMP imp, const char* types) {
   return imp != nullptr ? detail::wireOfImplementationLocked(imp, types) : nullptr;
+}
+
+void addLocked(ClassData* data, SEL selector, IMP implementation, const char* types,
+               const void* from) {
+  const char* text = types != nullptr ? detail::internedLocked(types) : nullptr;
+  const MethodRecord* method = detail::addMethodLocked(data, selector, implementation, text,
+                                                       wireFor(implementation, text), true);
+  noteChangeLocked(method, Kind::kAdded, nullptr, implementation, from);
+}
+
+IMP replaceLocked(MethodRecord* method, IMP implementation, const void* from) {
+  const IMP previous = method->implementation.load();
+  detail::storeImplementation(method, implementation,
+                              wireFor(implementation, method->types.load()));
+  noteChangeLocked(method, Kind::kReplaced, previous, implementation, from);
+  return previous;
 }
 }  // namespace
 
@@ -57,10 +83,7 @@ BOOL class_addMethod(Class cls, SEL selector, IMP implementation, const char* ty
   const std::lock_guard guard(detail::runtimeLock());
   ClassData* data = realizedLocked(cls.record());
   if (data->ownMethods.contains(selector)) return NO;
-  const char* text = types != nullptr ? detail::internedLocked(types) : nullptr;
-  detail::addMethodLocked(data, selector, implementation, text, wireFor(implementation, text),
-                          true);
-  detail::noteChangeLocked(data);
+  addLocked(data, selector, implementation, types, __builtin_return_address(0));
   return YES;
 }
 
@@ -69,19 +92,11 @@ IMP class_replaceMethod(Class cls, SEL selector, IMP implementation, const char*
   const std::lock_guard guard(detail::runtimeLock());
   ClassData* data = realizedLocked(cls.record());
   auto own = data->ownMethods.find(selector);
-  if (own == data->ownMethods.end()) {
-    const char* text = types != nullptr ? detail::internedLocked(types) : nullptr;
-    detail::addMethodLocked(data, selector, implementation, text, wireFor(implementation, text),
-                            true);
-    detail::noteChangeLocked(data);
-    return nullptr;
+  if (own != data->ownMethods.end()) {
+    return replaceLocked(own->second, implementation, __builtin_return_address(0));
   }
-  MethodRecord* method = own->second;
-  const IMP previous = method->implementation.load();
-  detail::storeImplementation(method, implementation,
-                              wireFor(implementation, method->types.load()));
-  noteChangeLocked(method);
-  return previous;
+  addLocked(data, selector, implementation, types, __builtin_return_address(0));
+  return nullptr;
 }
 
 SEL method_getName(Method method) { return method != nullptr ? method->name : nullptr; }
@@ -103,11 +118,7 @@ unsigned method_getNumberOfArguments(Method method) {
 IMP method_setImplementation(Method method, IMP implementation) {
   if (method == nullptr) return nullptr;
   const std::lock_guard guard(detail::runtimeLock());
-  const IMP previous = method->implementation.load();
-  detail::storeImplementation(method, implementation,
-                              wireFor(implementation, method->types.load()));
-  noteChangeLocked(method);
-  return previous;
+  return replaceLocked(method, implementation, __builtin_return_address(0));
 }
 
 void method_exchangeImplementations(Method a, Method b) {
@@ -120,8 +131,8 @@ void method_exchangeImplementations(Method a, Method b) {
   const char* wireOfB = b->wire.load();
   detail::storeImplementation(a, impOfB, wireOfB);
   detail::storeImplementation(b, impOfA, wireOfA);
-  noteChangeLocked(a);
-  noteChangeLocked(b);
+  noteChangeLocked(a, Kind::kExchanged, impOfA, impOfB, __builtin_return_address(0));
+  noteChangeLocked(b, Kind::kExchanged, impOfB, impOfA, __builtin_return_address(0));
 }
 
 }  // namespace brindle

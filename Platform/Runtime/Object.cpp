@@ -8,6 +8,7 @@
 #include <new>
 #include <vector>
 
+#include <Brindle/Platform/Allocation.h>
 #include <Brindle/Platform/Block.h>
 #include <Brindle/Platform/Runtime.h>
 
@@ -39,6 +40,9 @@ struct ThreadEnds {
 constinit thread_local ThreadEnds ends [[gnu::tls_model("initial-exec")]]{};
 
 constinit std::atomic<IMP> plainDealloc{nullptr};
+constinit std::atomic<IMP> associationsDealloc{nullptr};
+constinit std::atomic<void (*)(ObjectRecord*) noexcept> forgetObservers{nullptr};
+constexpr std::uint32_t kFlagsBeside = kFlagAssociations | kFlagObservers | kFlagMonitor;
 
 /// Keeps the raise until the object that is ending now is done. The first one is told.
 void park() {
@@ -89,9 +93,16 @@ std::size_t extraOffset(const ClassRecord& cls) {
 void dismantle(ObjectRecord* record) {
   const ClassData* birth = classOfNumber(record->flags.load() >> kBirthShift);
   if (birth != nullptr && birth->destructible) destroyFields(record, *birth);
-  // A value's end may associate another one.
-  while ((record->flags.load(std::memory_order_acquire) & kFlagAssociations) != 0) {
-    forgetAssociations(record);
+  // A value's end may associate another one, or observe.
+  for (;;) {
+    const std::uint32_t flags = record->flags.load(std::memory_order_acquire);
+    if ((flags & kFlagObservers) != 0) {
+      forgetObservers.load(std::memory_order_acquire)(record);
+    } else if ((flags & kFlagAssociations) != 0) {
+      forgetAssociations(record);
+    } else {
+      break;
+    }
   }
   if ((record->flags.load(std::memory_order_acquire) & kFlagMonitor) != 0) forgetMonitor(record);
   std::free(record);  // NOLINT(*-no-malloc)
@@ -100,8 +111,7 @@ void dismantle(ObjectRecord* record) {
 void dispose(ObjectRecord* record) {
   const std::uint32_t flags = record->flags.load(std::memory_order_acquire);
   const ClassData* birth = classOfNumber(flags >> kBirthShift);
-  if ((birth == nullptr || !birth->destructible) &&
-      (flags & (kFlagAssociations | kFlagMonitor)) == 0) {
+  if ((birth == nullptr || !birth->destructible) && (flags & kFlagsBeside) == 0) {
     std::free(record);  // NOLINT(*-no-malloc)
     return;
   }
@@ -126,6 +136,10 @@ void dispose(ObjectRecord* record) {
 }
 
 }  // namespace
+
+void setForgetObservers(void (*forget)(ObjectRecord* record) noexcept) noexcept {
+  forgetObservers.store(forget);
+}
 
 void setPlainDealloc(IMP dealloc) noexcept { plainDealloc.store(dealloc); }
 
@@ -161,7 +175,9 @@ void endObject(ObjectRecord* record) {
       dealloc = method->implementation.load(std::memory_order_acquire);
     }
   }
-  if (dealloc == nullptr || dealloc == plainDealloc.load(std::memory_order_relaxed)) {
+  if (dealloc == nullptr || dealloc == plainDealloc.load(std::memory_order_relaxed) ||
+      (dealloc == associationsDealloc.load(std::memory_order_relaxed) &&
+       (flags & kFlagAssociations) == 0)) {
     dispose(record);
   } else {
     endWithOwnDealloc(record, dealloc, deallocSelector);
@@ -217,6 +233,10 @@ ObjectRecord* createInstance(ClassRecord* cls, std::size_t extraBytes) {
 }
 
 }  // namespace detail
+
+void setAssociationsDealloc(IMP dealloc, IMP previous) noexcept {
+  if (previous == detail::plainDealloc.load()) detail::associationsDealloc.store(dealloc);
+}
 
 id class_createInstance(Class cls, std::size_t extraBytes) {
   if (!cls || cls.record()->isMeta) return nullptr;

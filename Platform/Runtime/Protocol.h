@@ -12,6 +12,7 @@
 #pragma once
 
 #include <initializer_list>
+#include <vector>
 
 #include <Brindle/Platform/Class.h>
 #include <Brindle/Platform/NSObject.h>
@@ -49,6 +50,8 @@ BRINDLE_PLATFORM_EXPORT BOOL protocol_conformsToProtocol(const Protocol& protoco
                                                          const Protocol& other);
 /// Whether the class itself (not its superclasses) adopts the protocol or one that includes it.
 BRINDLE_PLATFORM_EXPORT BOOL class_conformsToProtocol(Class cls, const Protocol& protocol);
+/// The protocols that the class itself adopts; not its superclasses', nor those included in others.
+BRINDLE_PLATFORM_EXPORT std::vector<Protocol> class_copyProtocolList(Class cls);
 /// Adds a protocol to a class. NO when the class itself adopts it already.
 BRINDLE_PLATFORM_EXPORT BOOL class_addProtocol(Class cls, const Protocol& protocol);
 /// The protocol of that name, adopted by any class that is attached; nil when there is none.

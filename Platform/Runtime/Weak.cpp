@@ -5,6 +5,7 @@
 
 #include "Platform/Runtime/Internal/Life.h"
 #include "Platform/Runtime/Internal/Striped.h"
+#include "Platform/Runtime/Internal/WeakCells.h"
 
 namespace brindle::detail {
 
@@ -12,7 +13,7 @@ namespace brindle::detail {
 struct WeakCell {
   std::atomic<std::uint32_t> owners;
   const std::uint32_t stripe;
-  ObjectRecord* object;  // under the stripe's lock
+  std::atomic<ObjectRecord*> object;  // changed under the stripe's lock
 };
 
 namespace {
@@ -71,7 +72,12 @@ ObjectRecord* loadWeakCell(WeakCell* cell) noexcept {
   if (cell == nullptr) return nullptr;
   Stripe& stripe = stripes()[cell->stripe];
   const std::lock_guard guard(stripe.lock);
-  return cell->object != nullptr && tryRetain(cell->object) ? cell->object : nullptr;
+  ObjectRecord* object = cell->object.load(std::memory_order_relaxed);
+  return object != nullptr && tryRetain(object) ? object : nullptr;
+}
+
+bool weakCellIsOf(const WeakCell* cell, const ObjectRecord* record) noexcept {
+  return cell != nullptr && cell->object.load(std::memory_order_acquire) == record;
 }
 
 void clearWeakReferences(ObjectRecord* record) {
@@ -82,7 +88,7 @@ void clearWeakReferences(ObjectRecord* record) {
     auto found = stripe.cells.find(record);
     if (found == stripe.cells.end()) return;
     cell = found->second;
-    cell->object = nullptr;
+    cell->object.store(nullptr, std::memory_order_release);
     stripe.cells.erase(found);
   }
   releaseWeakCell(cell);

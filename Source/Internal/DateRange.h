@@ -19,4 +19,10 @@ void watchDateRangeMethods();
 BDDateRange dateRangeNamed(BDNamedRange name);
 BDNamedRange nameOfDateRange(const BDDateRange& range);
 
+// BDDateRangeDescriptions.cpp
+NSString singularNameOfUnit(const Class& receiver, BDTimeUnit unit);
+NSString pluralNameOfUnit(const Class& receiver, BDTimeUnit unit);
+NSString descriptionOfOffset(const ClassOf<BDDateRange>& receiver, BDTimeUnit unit,
+                             std::int64_t offset);
+
 }  // namespace brindle::internal

@@ -37,5 +37,11 @@ class Report {
 void checkCalendar(const std::string& folder, Report& report);
 /// The archives of `keyed.jsonl`, and the date ranges of `cases.tsv` beside them.
 void checkKeyedArchives(const std::string& folder, Report& report);
+/// The property lists of `plist.jsonl`; those made to hurt only have to end.
+void checkPropertyLists(const std::string& folder, Report& report);
+/// The tables of `strings.jsonl`.
+void checkStringsTables(const std::string& folder, Report& report);
+/// The names of `locale-names.tsv`.
+void checkLocaleNames(const std::string& folder, Report& report);
 
 }  // namespace brindle::conformance

@@ -15,6 +15,9 @@ int main(int count, char** words) {
     brindle::conformance::Report report;
     brindle::conformance::checkCalendar(words[1], report);
     brindle::conformance::checkKeyedArchives(words[1], report);
+    brindle::conformance::checkPropertyLists(words[1], report);
+    brindle::conformance::checkStringsTables(words[1], report);
+    brindle::conformance::checkLocaleNames(words[1], report);
     std::printf("%d rows, %d disagree\n", report.total(), report.failed());
     return report.failed() == 0 ? 0 : 1;
   } catch (const std::exception& exception) {

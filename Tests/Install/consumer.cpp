@@ -3,10 +3,20 @@
 #include <Brindle/Brindle.h>
 
 #include <cstdio>
+#include <string>
 
-int main() {
+// Whether the library's own bundle is the one in the prefix.
+static bool isBundleIn(const std::string& prefix) {
+  const auto bundle = brindle::NSBundle::bundleWithIdentifier("org.brindle.Brindle");
+  const std::string path(bundle->bundlePath());
+  std::printf("The library's bundle is %s.\n", path.c_str());
+  return path.starts_with(prefix + "/") && bundle->localizations()->count() > 1;
+}
+
+int main(int count, char** words) {
   const auto exception = brindle::NSException::exceptionWithName("Name", "Reason");
   if (brindle::decodedStackTrace(exception) == nullptr) return 1;
   std::puts("A category was found.");
+  if (count > 1 && !isBundleIn(words[1])) return 1;
   return 0;
 }

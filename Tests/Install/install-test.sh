@@ -12,13 +12,18 @@ fail() { echo "install-test: $*" >&2; exit 1; }
 
 # Runs the consumers with the libraries of this prefix.
 use() {
-  local program
+  local program phrase
   for program in "$work"/consumer/consumer-*; do
     echo "-- $(basename "$program") with $(basename "$1")"
     LD_LIBRARY_PATH=$(dirname "$(find "$1" -name libBrindle.so)") "$program" "$1"
   done
+  program=$("$1/bin/brindle" bundle org.brindle.Brindle)
+  [[ $program == *"path        $1/"*"/Brindle.framework"* ]] ||
+    fail "bin/brindle does not find the library's bundle: $program"
   program=$(ldd "$1/bin/brindle")
   [[ $program == *"libBrindle.so.0 => $1/"* ]] || fail "bin/brindle does not find its library"
+  phrase=$(LC_ALL=C "$1/bin/brindle" describe "-3 weeks" --locale de)
+  [[ $phrase == *"vor 3 Wochen"* ]] || fail "bin/brindle does not find its words: $phrase"
 }
 
 build_with_pkg_config() {

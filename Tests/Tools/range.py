@@ -43,7 +43,8 @@ for name, expected in NAMED.items():
 
 equal(answer("range", "this-month", "--anchor", WEDNESDAY),
       "name      this-month\nstart     2024-05-01\nend       2024-06-01\n"
-      "interval  2024-05-01T00:00:00Z/2024-06-01T00:00:00Z\n", "a named range as text")
+      "interval  2024-05-01T00:00:00Z/2024-06-01T00:00:00Z\nphrase    this month\n",
+      "a named range as text")
 
 table = parsed("range", "--all", "--anchor", WEDNESDAY, "--json")
 equal({row["name"]: (row["start"], row["end"]) for row in table}, NAMED, "--all as JSON")
@@ -51,6 +52,16 @@ lines = answer("range", "--all", "--anchor", WEDNESDAY).splitlines()
 equal([line.split()[0] for line in lines], ["name", *NAMED], "--all as text, first column")
 equal([tuple(line.split()[1:3]) for line in lines[1:]], list(NAMED.values()),
       "--all as text, dates")
+
+# The phrase tells the offset, in the language of the environment or the one that is asked for.
+equal([row["phrase"] for row in table],
+      ["100000 years ago", "this week", "this month", "this quarter", "this year", "1 week ago",
+       "1 month ago", "1 quarter ago", "1 year ago", "1 week ago", "1 month ago", "1 quarter ago",
+       "1 year ago"], "phrases")
+for words, environment in ((["--locale", "de"], {}), ([], {"LC_ALL": "de_DE.UTF-8"})):
+    row = parsed("range", "last-week", *words, "--json", **environment)
+    equal(row.get("phrase"), "vor 1 Woche", "a phrase in German")
+refuses("range", "last-week", "--locale", "", saying="wants a language")
 
 # Without an anchor it is now, here tried on both sides of a midnight that may fall in between.
 before = datetime.datetime.now(datetime.timezone.utc).date()
@@ -138,12 +149,13 @@ refuses("range", "this-week", "--all", saying="only one of them")
 refuses("range", "--all", "--unit", "week", saying="only one of them")
 refuses("range", "this-week", "--offset", "1 week", saying="only one of them")
 refuses("range", "this-week", "last-week", saying="what is 'last-week'?")
-for name in ("", "tomorrow", "This-Week", "-x", "--", b"\xff\xfe"):
+for name in ("", "tomorrow", "This-Week", "-x", b"\xff\xfe"):
     refuses("range", name, saying="there is no range")
 refuses("range", "--bogus", saying="unknown option --bogus")
 refuses("range", "this-week", "--json", "--json", saying="--json is given twice")
 refuses("range", "this-week", "--json=1", saying="--json takes no value")
-for option in ("--anchor", "--unit", "--offset", "--length", "--zone", "--first-weekday"):
+for option in ("--anchor", "--unit", "--offset", "--length", "--zone", "--first-weekday",
+               "--locale"):
     refuses("range", option, saying=f"{option} needs a value")
     refuses("range", option, "--json", saying=f"{option} needs a value")
     refuses("range", option, "now", option, "now", saying=f"{option} is given twice")

@@ -13,6 +13,10 @@ bool isOption(std::string_view word) { return word.size() > 2 && word.starts_wit
 Words::Words(std::span<const std::string_view> words, std::span<const Option> options) {
   for (std::size_t i = 0; i < words.size(); ++i) {
     const std::string_view word = words[i];
+    if (word == "--") {
+      rest_.insert(rest_.end(), words.begin() + static_cast<std::ptrdiff_t>(i) + 1, words.end());
+      return;
+    }
     if (!isOption(word)) {
       rest_.push_back(word);
       continue;

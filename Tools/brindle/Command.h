@@ -26,7 +26,7 @@ struct Option {
 };
 
 /// The words behind a subcommand, taken apart. Throws UsageError for an option that is not in the
-/// list, for a missing value, and for an option given twice.
+/// list, for a missing value, and for an option given twice. Behind `--` nothing is an option.
 class Words {
  public:
   Words(std::span<const std::string_view> words, std::span<const Option> options);
@@ -52,7 +52,11 @@ struct Command {
   int (*run)(std::span<const std::string_view> words);
 };
 
+extern const Command kBundleCommand;
+extern const Command kPathsCommand;
 extern const Command kRangeCommand;
 extern const Command kRecogniseCommand;
+extern const Command kDescribeCommand;
+extern const Command kInspectCommand;
 
 }  // namespace tool

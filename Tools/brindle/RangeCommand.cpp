@@ -1,4 +1,5 @@
 // `brindle range` and `brindle recognise`.
+#include <algorithm>
 #include <chrono>
 #include <iomanip>
 #include <iostream>
@@ -38,11 +39,13 @@ Settings:
   --zone ZONE      a zone of the system, such as Europe/Paris; the environment's by default
   --first-weekday DAY
                    sunday to saturday, or 1 to 7; the environment's by default
+  --locale LOCALE  the language of the phrase, such as pl or pt-BR; the environment's by default
   --json           one JSON object (with --all, an array): name, start, end, interval, startSeconds
-                   and endSeconds (since 1970)
+                   and endSeconds (since 1970), phrase
 
 Intervals are written as in ISO 8601: in UTC where the zone had an offset with seconds. Dates before
 15 October 1582 are counted in the Julian calendar, but ISO 8601 writes them in the Gregorian one.
+The phrase tells the offset alone: how far the first date lies from the rounded anchor.
 )";
 
 constexpr std::string_view kRecogniseHelp =
@@ -53,9 +56,9 @@ ends with 1 when there is none. A range with an anchor is never a named one.
 `brindle range --help` explains the parts.
 )";
 
-constexpr Option kRangeOptions[] = {kAnchorOption, kUnitOption,     kOffsetOption,
-                                    kLengthOption, kZoneOption,     kFirstWeekdayOption,
-                                    kJsonOption,   {"--all", false}};
+constexpr Option kRangeOptions[] = {kAnchorOption, kUnitOption, kOffsetOption,
+                                    kLengthOption, kZoneOption, kFirstWeekdayOption,
+                                    kLocaleOption, kJsonOption, {"--all", false}};
 constexpr Option kRecogniseOptions[] = {kAnchorOption, kUnitOption, kOffsetOption, kLengthOption,
                                         kJsonOption};
 
@@ -67,6 +70,7 @@ struct Row {
   std::string interval;
   std::int64_t startSeconds;
   std::int64_t endSeconds;
+  std::string phrase;
 };
 
 std::int64_t secondsOf(std::chrono::sys_time<std::chrono::milliseconds> time) {
@@ -89,7 +93,8 @@ Row rowOf(std::string name, const BDDateRange& range) {
           isoDate(end, endOffset),
           isoInstant(start, startOffset) + "/" + isoInstant(end, endOffset),
           start,
-          end};
+          end,
+          std::string(BDDateRange::descriptionForUnit(range->offsetUnit(), range->offset()))};
 }
 
 void printJson(const Row& row, std::string_view indent) {
@@ -97,7 +102,7 @@ void printJson(const Row& row, std::string_view indent) {
             << ", \"start\": " << jsonString(row.start) << ", \"end\": " << jsonString(row.end)
             << ", \"interval\": " << jsonString(row.interval)
             << ", \"startSeconds\": " << row.startSeconds << ", \"endSeconds\": " << row.endSeconds
-            << "}";
+            << ", \"phrase\": " << jsonString(row.phrase) << "}";
 }
 
 void printOne(const Row& row, bool json) {
@@ -108,7 +113,7 @@ void printOne(const Row& row, bool json) {
   }
   if (!row.name.empty()) std::cout << "name      " << row.name << '\n';
   std::cout << "start     " << row.start << "\nend       " << row.end << "\ninterval  "
-            << row.interval << '\n';
+            << row.interval << "\nphrase    " << row.phrase << '\n';
 }
 
 void printTable(const std::vector<Row>& rows, bool json) {
@@ -121,12 +126,15 @@ void printTable(const std::vector<Row>& rows, bool json) {
     std::cout << "]\n";
     return;
   }
+  std::size_t widest = 0;
+  for (const Row& row : rows) widest = std::max(widest, row.interval.size());
+  const int width = static_cast<int>(widest) + 2;
   std::cout << std::left << std::setw(14) << "name" << std::setw(13) << "start" << std::setw(15)
-            << "end"
-            << "interval\n";
+            << "end" << std::setw(width) << "interval"
+            << "phrase\n";
   for (const Row& row : rows) {
     std::cout << std::setw(14) << row.name << std::setw(13) << row.start << std::setw(15) << row.end
-              << row.interval << '\n';
+              << std::setw(width) << row.interval << row.phrase << '\n';
   }
 }
 

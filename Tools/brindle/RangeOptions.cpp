@@ -3,8 +3,10 @@
 #include <charconv>
 #include <cstdint>
 
+#include <Brindle/Platform/NSArray.h>
 #include <Brindle/Platform/NSCalendar.h>
 #include <Brindle/Platform/NSDateComponents.h>
+#include <Brindle/Platform/NSLocale.h>
 #include <Brindle/Platform/NSString.h>
 #include <Brindle/Platform/NSTimeZone.h>
 
@@ -27,13 +29,9 @@ constexpr RangeName kNames[] = {
     {BDNamedRangePastYear, "past-year"},
 };
 
-struct Amount {
-  std::int64_t count;
-  BDTimeUnit unit;
-};
+constexpr std::string_view kUnits[] = {"day", "week", "month", "quarter", "year"};
 
 BDTimeUnit unitFrom(std::string_view text) {
-  constexpr std::string_view kUnits[] = {"day", "week", "month", "quarter", "year"};
   for (std::size_t i = 0; i < std::size(kUnits); ++i) {
     const std::string_view unit = kUnits[i];
     if (text == unit ||
@@ -43,28 +41,6 @@ BDTimeUnit unitFrom(std::string_view text) {
   }
   throw UsageError("'" + std::string(text) +
                    "' is no unit: day, week, month, quarter or year is wanted");
-}
-
-/// "-1 week", "-1week", "+3months".
-Amount amountFrom(std::string_view option, std::string_view text) {
-  const std::string_view whole = text;
-  if (text.starts_with('+')) text.remove_prefix(1);
-  std::int64_t count = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
-  if (error == std::errc::result_out_of_range) {
-    throw UsageError("the number in '" + std::string(whole) + "' has more than 64 bits");
-  }
-  if (error != std::errc()) {
-    throw UsageError(std::string(option) + " wants a number and a unit, such as '-1 week', not '" +
-                     std::string(whole) + "'");
-  }
-  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-  while (text.starts_with(' ')) text.remove_prefix(1);
-  if (text.empty()) {
-    throw UsageError(std::string(option) + " wants a unit behind the number: '" +
-                     std::string(whole) + " days'");
-  }
-  return {count, unitFrom(text)};
 }
 
 NSUInteger weekdayFrom(std::string_view text) {
@@ -104,6 +80,29 @@ std::string_view nameOfRange(BDNamedRange range) {
   return {};
 }
 
+Amount amountFrom(std::string_view what, std::string_view text) {
+  const std::string_view whole = text;
+  if (text.starts_with('+')) text.remove_prefix(1);
+  std::int64_t count = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+  if (error == std::errc::result_out_of_range) {
+    throw UsageError("the number in '" + std::string(whole) + "' has more than 64 bits");
+  }
+  if (error != std::errc()) {
+    throw UsageError(std::string(what) + " wants a number and a unit, such as '-1 week', not '" +
+                     std::string(whole) + "'");
+  }
+  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+  while (text.starts_with(' ')) text.remove_prefix(1);
+  if (text.empty()) {
+    throw UsageError(std::string(what) + " wants a unit behind the number: '" + std::string(whole) +
+                     " days'");
+  }
+  return {count, unitFrom(text)};
+}
+
+std::string_view nameOfUnit(BDTimeUnit unit) { return kUnits[unit]; }
+
 void applySettings(const Words& words) {
   if (const auto name = words.value("--zone")) {
     const NSTimeZone zone = NSTimeZone::timeZoneWithName(NSString(*name));
@@ -115,6 +114,10 @@ void applySettings(const Words& words) {
     const NSCalendar calendar = NSCalendar::currentCalendar();
     calendar->setFirstWeekday(weekdayFrom(*day));
     NSCalendar::setCurrentCalendar(calendar);
+  }
+  if (const auto locale = words.value("--locale")) {
+    if (locale->empty()) throw UsageError("--locale wants a language, such as pl or pt-BR");
+    NSLocale::setPreferredLanguages({NSString(*locale)});
   }
 }
 

@@ -8,7 +8,9 @@
 
 namespace {
 
-constexpr const tool::Command* kCommands[] = {&tool::kRangeCommand, &tool::kRecogniseCommand};
+constexpr const tool::Command* kCommands[] = {&tool::kRangeCommand,    &tool::kRecogniseCommand,
+                                              &tool::kDescribeCommand, &tool::kBundleCommand,
+                                              &tool::kPathsCommand,    &tool::kInspectCommand};
 
 void printHelp(std::ostream& out) {
   out << "usage: brindle COMMAND [WORDS...]\n\nCommands:\n";

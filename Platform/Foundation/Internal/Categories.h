@@ -10,6 +10,8 @@ extern const CategoryDefinition kNSProxyDescriptions;
 extern const CategoryDefinition kNSStringBytes;
 extern const CategoryDefinition kNSStringFormatting;
 extern const CategoryDefinition kNSStringSearching;
+extern const CategoryDefinition kNSStringPaths;
+extern const CategoryDefinition kNSStringFiles;
 extern const CategoryDefinition kNSStringTransforming;
 extern const CategoryDefinition kNSObjectCoding;
 extern const CategoryDefinition kNSStringCoding;
@@ -20,5 +22,18 @@ extern const CategoryDefinition kNSNullCoding;
 extern const CategoryDefinition kNSArrayCoding;
 extern const CategoryDefinition kNSDictionaryCoding;
 extern const CategoryDefinition kNSSetCoding;
+extern const CategoryDefinition kNSArrayIndexing;
+extern const CategoryDefinition kNSMutableArrayIndexing;
+extern const CategoryDefinition kNSBundleResources;
+extern const CategoryDefinition kNSBundleCode;
+extern const CategoryDefinition kNSObjectKeyValueCoding;
+extern const CategoryDefinition kNSArrayKeyValueCoding;
+extern const CategoryDefinition kNSSetKeyValueCoding;
+extern const CategoryDefinition kNSDictionaryKeyValueCoding;
+extern const CategoryDefinition kNSMutableDictionaryKeyValueCoding;
+
+extern const CategoryDefinition kNSKeyValueObserving;
+extern const CategoryDefinition kNSArrayObserving;
+extern const CategoryDefinition kNSSetObserving;
 
 }  // namespace brindle::detail

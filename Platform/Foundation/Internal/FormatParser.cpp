@@ -128,8 +128,18 @@ void FormatParser::takeLength() noexcept {
   }
 }
 
+bool FormatParser::takePlainConversion() noexcept {
+  const char16_t letter = peek();
+  if (letter != u'@' && letter != u'd' && letter != u'i') return false;
+  ++position_;
+  found_.conversion = static_cast<char>(letter);
+  found_.argument = nextArgument_++;
+  return true;
+}
+
 bool FormatParser::takeConversion() noexcept {
   found_ = {};
+  if (takePlainConversion()) return true;
   std::size_t argument = 0;
   const bool hasPosition = takePosition(argument);
   takeFlags();

@@ -62,6 +62,8 @@ class FormatParser {
   void takeFlags() noexcept;
   FormatField takeField() noexcept;
   void takeLength() noexcept;
+  /// The usual ones, with nothing before their letter.
+  bool takePlainConversion() noexcept;
   bool takeConversion() noexcept;
 
   TextView format_;

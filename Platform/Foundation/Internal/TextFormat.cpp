@@ -334,6 +334,8 @@ std::optional<std::int64_t> fieldValue(const FormatField& field,
 
 Job jobFor(const FormatSpecification& spec, std::span<const FormatArgument> arguments) {
   Job job{spec, 0, std::nullopt, argumentAt(arguments, spec.argument)};
+  constexpr auto kNone = FormatField::Kind::none;
+  if (spec.width.kind == kNone && spec.precision.kind == kNone) return job;
   const std::int64_t width = fieldValue(spec.width, arguments).value_or(0);
   if (width < 0) job.spec.leftAligned = true;
   job.width = static_cast<std::size_t>(width < 0 ? -width : width);

@@ -5,6 +5,8 @@
 // stores. Nothing here is ever freed; tables and pages that are replaced are kept in a list.
 #pragma once
 
+#include <atomic>
+#include <deque>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -14,6 +16,7 @@
 #include <Brindle/Platform/Class.h>
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/Method.h>
+#include <Brindle/Platform/MethodChanges.h>
 #include <Brindle/Platform/Protocol.h>
 #include <Brindle/Platform/Types.h>
 
@@ -41,6 +44,8 @@ struct FieldsLink {
 
 enum class Readiness { kUntouched, kInitializing, kReady };
 
+struct ClassAssociation;
+
 struct ClassData {
   ClassRecord* record = nullptr;
   DispatchPage** table = nullptr;  // writers' view; published in the record when it is ready
@@ -56,8 +61,10 @@ struct ClassData {
   bool rawVariables = false;  // variables that nothing constructs: the memory is zeroed
   bool registered = false;
   std::uint32_t changes = 0;  // of methods, after the definition was attached
+  std::deque<MethodChange> latestChanges;
   std::uint32_t number = 0;
   std::size_t extraBytes = 0;
+  std::atomic<ClassAssociation*> associations{nullptr};  // of the class object
 
   // Of classes; a meta-class asks its class.
   Readiness readiness = Readiness::kUntouched;
@@ -97,8 +104,10 @@ MethodRecord* addMethodLocked(ClassData* data, SEL selector, IMP imp, const char
                               const char* wire, bool first);
 /// The method as writers see it, own or inherited; null when there is none.
 MethodRecord* lookUpMethod(const ClassData* data, SEL selector) noexcept;
-/// Notes that a method of the class is another one now.
+/// Notes that a category changed methods of the class.
 void noteChangeLocked(ClassData* data) noexcept;
+/// Notes a change of one method, asked for from `from` unless a ChangeOrigin says otherwise.
+void noteChangeLocked(ClassData* data, MethodChange change, const void* from);
 /// Stores an implementation with its wire codes, so that a checked send never sees a wrong pair.
 void storeImplementation(MethodRecord* method, IMP imp, const char* wire) noexcept;
 

@@ -1,6 +1,8 @@
 // Messages whose types are known only while the program runs.
 #pragma once
 
+#include <mutex>
+
 #include <Brindle/Platform/NSInvocation.h>
 #include <Brindle/Platform/Types.h>
 
@@ -25,5 +27,8 @@ void* resultOf(const NSInvocation& invocation);
 
 /// Raises NSInvalidArgumentException, naming class, selector and receiver.
 [[noreturn]] void raiseUnrecognized(const ClassRecord& cls, SEL selector, const void* receiver);
+
+/// Over the making of closures: libffi prepares itself at the first without a lock of its own.
+std::mutex& closureLock();
 
 }  // namespace brindle::detail

@@ -23,6 +23,9 @@ void clearWeakReferences(ObjectRecord* record);
 /// Releases the values associated with an object that ends. What their ends raise is parked.
 void forgetAssociations(ObjectRecord* record) noexcept;
 
+/// Whoever keeps the observers of objects is told here when an object ends that has some.
+void setForgetObservers(void (*forget)(ObjectRecord* record) noexcept) noexcept;
+
 /// Forgets the monitor of an object that ends although a thread is inside.
 void forgetMonitor(ObjectRecord* record) noexcept;
 

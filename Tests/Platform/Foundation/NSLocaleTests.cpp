@@ -26,3 +26,28 @@ TEST(NSLocale, TheUsersComesFromTheEnvironment) {
 TEST(NSLocale, NeedsAnIdentifier) {
   EXPECT_ANY_THROW(NSLocale::alloc()->initWithLocaleIdentifier(nullptr));
 }
+
+TEST(NSLocale, CanonicalIdentifiers) {
+  const auto canonical = [](const NSString& name) {
+    return std::string(NSLocale::canonicalLocaleIdentifierFromString(name));
+  };
+  EXPECT_EQ(canonical("English"_ns), "en");
+  EXPECT_EQ(canonical("pt-BR"_ns), "pt_BR");
+  EXPECT_EQ(canonical("zh-Hans"_ns), "zh-Hans");
+  EXPECT_EQ(canonical("iw"_ns), "he");
+  EXPECT_EQ(canonical("no such language"_ns), "no such language");
+  EXPECT_FALSE(NSLocale::canonicalLocaleIdentifierFromString(nullptr));
+  EXPECT_EQ(std::string(NSLocale::canonicalLanguageIdentifierFromString("zh_Hant_TW"_ns)),
+            "zh-Hant-TW");
+  EXPECT_FALSE(NSLocale::canonicalLanguageIdentifierFromString(nullptr));
+}
+
+TEST(NSLocale, ThePreferredLanguagesMayBeSet) {
+  NSLocale::setPreferredLanguages({"German"_ns, "pt_BR"_ns});
+  const NSArray languages = NSLocale::preferredLanguages();
+  EXPECT_TRUE(languages->isEqual(NSArray{"de"_ns, "pt-BR"_ns}));
+  EXPECT_ANY_THROW(NSLocale::setPreferredLanguages({NSLocale::systemLocale()}));
+  EXPECT_TRUE(NSLocale::preferredLanguages()->isEqual(languages));
+  NSLocale::setPreferredLanguages(nullptr);
+  EXPECT_TRUE(NSLocale::preferredLanguages());
+}

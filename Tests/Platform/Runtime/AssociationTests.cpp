@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include <Brindle/Platform/AssociationPeek.h>
 #include <Brindle/Platform/Block.h>
 #include <Brindle/Platform/Weak.h>
 #include <gtest/gtest.h>
@@ -128,6 +129,40 @@ TEST(AssociationTest, ValuesOfClassesStay) {
   EXPECT_EQ(value->retainCount(), 1u);
 }
 
+TEST(AssociationTest, ValuesOfClassesReplaceEachOtherWhateverTheirLife) {
+  const Class cls = makeClass(NSObject::class_());
+  const id lasting = NSObject::class_();  // immortal, as every class
+  Mortal mortal = Mortal::new_();
+  objc_setAssociatedObject(cls, &kKey, lasting, OBJC_ASSOCIATION_RETAIN);
+  EXPECT_TRUE(objc_getAssociatedObject(cls, &kKey) == lasting);
+  objc_setAssociatedObject(cls, &kKey, mortal, OBJC_ASSOCIATION_RETAIN);
+  EXPECT_TRUE(objc_getAssociatedObject(cls, &kKey) == mortal);
+  EXPECT_EQ(mortal->retainCount(), 2u);
+  objc_setAssociatedObject(cls, &kKey, lasting, OBJC_ASSOCIATION_ASSIGN);
+  EXPECT_TRUE(objc_getAssociatedObject(cls, &kKey) == lasting);
+  EXPECT_EQ(mortal->retainCount(), 1u);
+  objc_setAssociatedObject(cls, &kKey, mortal, OBJC_ASSOCIATION_ASSIGN);
+  EXPECT_TRUE(objc_getAssociatedObject(cls, &kKey) == mortal);
+  EXPECT_EQ(mortal->retainCount(), 1u) << "not owned";
+  objc_setAssociatedObject(cls, &kKey, nullptr, OBJC_ASSOCIATION_RETAIN);
+  EXPECT_FALSE(objc_getAssociatedObject(cls, &kKey));
+  objc_setAssociatedObject(cls, &kOther, nullptr, OBJC_ASSOCIATION_RETAIN);
+  EXPECT_FALSE(objc_getAssociatedObject(cls, &kOther)) << "never set";
+  objc_setAssociatedObject(cls, &kKey, mortal, OBJC_ASSOCIATION_RETAIN);
+  objc_setAssociatedObject(cls, &kOther, lasting, OBJC_ASSOCIATION_RETAIN);
+  objc_removeAssociatedObjects(cls);
+  EXPECT_FALSE(objc_getAssociatedObject(cls, &kKey));
+  EXPECT_FALSE(objc_getAssociatedObject(cls, &kOther));
+  EXPECT_EQ(mortal->retainCount(), 1u);
+}
+
+TEST(AssociationTest, AMetaClassHasItsOwn) {
+  const Class cls = makeClass(NSObject::class_());
+  objc_setAssociatedObject(object_getClass(cls), &kKey, cls, OBJC_ASSOCIATION_RETAIN);
+  EXPECT_FALSE(objc_getAssociatedObject(cls, &kKey));
+  EXPECT_TRUE(objc_getAssociatedObject(object_getClass(cls), &kKey) == id(cls));
+}
+
 TEST(AssociationTest, KeepsAHeapCopyOfABlockOnTheStack) {
   const NSObject object = NSObject::new_();
   const auto keep = [&object](const BlockArg<int()>& block) {
@@ -198,9 +233,30 @@ TEST(AssociationTest, ManyKeysOnOneObject) {
   objc_removeAssociatedObjects(object);
 }
 
+TEST(AssociationTest, ManyObjectsWithValues) {
+  constexpr int kObjects = 20000;
+  std::vector<NSObject> objects;
+  for (int i = 0; i < kObjects; ++i) {
+    objects.push_back(NSObject::new_());
+    const Mortal value = Mortal::new_();
+    value->setTag(i);
+    objc_setAssociatedObject(objects.back(), &kKey, value, OBJC_ASSOCIATION_RETAIN);
+  }
+  // Some of them go, so that the others have to be found beside gaps.
+  for (int i = 0; i < kObjects; i += 3) objects[static_cast<std::size_t>(i)] = nullptr;
+  for (int i = 0; i < kObjects; ++i) {
+    const id value = objc_getAssociatedObject(objects[static_cast<std::size_t>(i)], &kKey);
+    ASSERT_EQ(cast<Mortal>(value)->tag(), i % 3 == 0 ? 0 : i);
+  }
+  EXPECT_EQ(Mortal::living(), kObjects - (kObjects + 2) / 3);
+  objects.clear();
+  EXPECT_EQ(Mortal::living(), 0);
+  Mortal::ended();
+}
+
 TEST(AssociationTest, ThreadsReadWhileOneReplaces) {
-  {
-    const NSObject object = NSObject::new_();
+  const Class cls = makeClass(NSObject::class_());
+  for (const id& object : {id(NSObject::new_()), id(cls)}) {
     std::atomic<bool> stop{false};
     std::atomic<int> wrong{0};
     std::vector<std::thread> readers;
@@ -208,22 +264,51 @@ TEST(AssociationTest, ThreadsReadWhileOneReplaces) {
       readers.emplace_back([&] {
         while (!stop) {
           const id value = objc_getAssociatedObject(object, &kKey);
-          if (value && cast<Mortal>(value)->tag() != 5) ++wrong;
+          if (isa<Mortal>(value) && cast<Mortal>(value)->tag() != 5) ++wrong;
         }
       });
     }
     for (int i = 0; i < 2000; ++i) {
       const Mortal value = Mortal::new_();
       value->setTag(5);
-      objc_setAssociatedObject(object, &kKey, i % 7 == 0 ? id() : id(value),
-                               OBJC_ASSOCIATION_RETAIN);
+      const id choices[] = {nullptr, cls, value, value};
+      objc_setAssociatedObject(object, &kKey, choices[i % 4], OBJC_ASSOCIATION_RETAIN);
     }
     stop = true;
     for (std::thread& t : readers) t.join();
     EXPECT_EQ(wrong, 0);
+    objc_removeAssociatedObjects(object);
   }
   EXPECT_EQ(Mortal::living(), 0);
   Mortal::ended();
+}
+
+TEST(AssociationTest, AreLookedAtWithoutOwningThem) {
+  const char key = 0;
+  const char other = 0;
+  const auto sees = [&](const id& object, const void* k, const id& wanted) {
+    const ObjectRecord* seen = nullptr;
+    const bool found = peekAssociatedObject(
+        object.record(), k,
+        [](const ObjectRecord* value, void* result) {
+          *static_cast<const ObjectRecord**>(result) = value;
+          return true;
+        },
+        &seen);
+    return found == static_cast<bool>(wanted) && seen == wanted.record();
+  };
+  const Class cls = makeClass(NSObject::class_());
+  for (const id& object : {id(NSObject::new_()), id(cls)}) {
+    EXPECT_TRUE(sees(object, &key, nullptr));
+    for (const id& value : {id(Mortal::new_()), id(NSObject::class_())}) {  // mortal and immortal
+      objc_setAssociatedObject(object, &key, value, OBJC_ASSOCIATION_RETAIN);
+      EXPECT_TRUE(sees(object, &key, value));
+      EXPECT_TRUE(sees(object, &other, nullptr));
+    }
+    objc_setAssociatedObject(object, &key, nullptr, OBJC_ASSOCIATION_RETAIN);
+    EXPECT_TRUE(sees(object, &key, nullptr));
+  }
+  EXPECT_TRUE(sees(nullptr, &key, nullptr));
 }
 
 }  // namespace

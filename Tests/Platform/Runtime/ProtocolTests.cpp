@@ -73,6 +73,19 @@ TEST(ProtocolTest, AreAddedToClasses) {
   EXPECT_EQ(class_conformsToProtocol(nullptr, kUnrelated), NO);
 }
 
+TEST(ProtocolTest, AreListedForTheClassItself) {
+  const Class cls = makeClass(NSObject::class_());
+  EXPECT_TRUE(class_copyProtocolList(cls).empty());
+  class_addProtocol(cls, kBall);
+  class_addProtocol(cls, kUnrelated);
+  const std::vector<Protocol> list = class_copyProtocolList(cls);
+  ASSERT_EQ(list.size(), 2u);
+  EXPECT_TRUE(list[0] == Protocol(kBall));
+  EXPECT_TRUE(list[1] == Protocol(kUnrelated));
+  EXPECT_TRUE(class_copyProtocolList(makeClass(cls)).empty()) << "only its own count";
+  EXPECT_TRUE(class_copyProtocolList(nullptr).empty());
+}
+
 TEST(ProtocolTest, AreObjects) {
   const Protocol ball = kBall;
   EXPECT_TRUE(isa<Protocol>(ball));

@@ -1,0 +1,119 @@
+// Keys and key paths of observing, each text once.
+#include "Platform/Foundation/Internal/ObservedKeys.h"
+
+#include <memory>
+#include <mutex>
+#include <shared_mutex>
+#include <string_view>
+#include <unordered_map>
+
+#include <Brindle/Platform/Selector.h>
+
+#include "Platform/Foundation/Internal/StringAccess.h"
+
+namespace brindle::detail {
+namespace {
+
+struct Texts {
+  std::shared_mutex lock;
+  std::unordered_map<std::string, ObservedKey*> keys;
+  std::unordered_map<std::string, ObservedPath*> paths;
+};
+
+Texts& texts() {
+  static auto& all = *new Texts;
+  return all;
+}
+
+ObservedKey* keyLocked(const std::string& text) {
+  ObservedKey*& key = texts().keys[text];
+  if (key == nullptr) {
+    key = new ObservedKey{NSString(text), text, text, {}};
+    char& first = key->capitalized[0];
+    if (first >= 'a' && first <= 'z') first = static_cast<char>(first - 'a' + 'A');
+  }
+  return key;
+}
+
+const ObservedPath* pathLocked(const std::string& text) {
+  if (ObservedPath* known = texts().paths[text]) return known;
+  const std::size_t dot = text.find('.');
+  auto* path =
+      new ObservedPath{NSString(text), keyLocked(text.substr(0, dot)),
+                       dot == std::string::npos ? nullptr : pathLocked(text.substr(dot + 1))};
+  texts().paths[text] = path;
+  return path;
+}
+
+// What this thread asked for lately. Literals live for ever, mostly: the text is compared in case
+// the library that held one is gone.
+template <class T>
+struct Recent {
+  const ObjectRecord* string;
+  const T* found;
+};
+constexpr std::size_t kRecent = 32;
+template <class T>
+constinit thread_local Recent<T> recent[kRecent]{};
+
+template <class T, class Find>
+const T* recall(const NSString& string, NSString T::*name, Find find) {
+  ObjectRecord* record = string.record();
+  const bool literal = record->count.load(std::memory_order_relaxed) >= kCountImmortal &&
+                       isImmutableLibraryString(record);
+  if (!literal) return find(static_cast<std::string>(string));
+  auto& place = recent<T>[(reinterpret_cast<std::uintptr_t>(record) >> 4U) % kRecent];  // NOLINT
+  if (place.string == record) {
+    const StringContents& a = contentsOf(record);
+    const StringContents& b = contentsOf((place.found->*name).record());
+    if (a.length == b.length && a.isWide == b.isWide &&
+        std::char_traits<char>::compare(static_cast<const char*>(a.units),
+                                        static_cast<const char*>(b.units),
+                                        a.isWide ? a.length * 2 : a.length) == 0) {
+      return place.found;
+    }
+  }
+  const T* found = find(static_cast<std::string>(string));
+  place = {record, found};
+  return found;
+}
+
+}  // namespace
+
+const ObservedPath* observedPath(const NSString& string) {
+  if (!string || string->length() == 0) return nullptr;
+  return recall<ObservedPath>(string, &ObservedPath::text,
+                              [](const std::string& text) -> const ObservedPath* {
+                                {
+                                  const std::shared_lock guard(texts().lock);
+                                  const auto found = texts().paths.find(text);
+                                  if (found != texts().paths.end() && found->second != nullptr)
+                                    return found->second;
+                                }
+                                const std::unique_lock guard(texts().lock);
+                                return pathLocked(text);
+                              });
+}
+
+const ObservedKey* observedKey(const NSString& string) {
+  if (!string) return nullptr;
+  return recall<ObservedKey>(string, &ObservedKey::name,
+                             [](const std::string& text) -> const ObservedKey* {
+                               {
+                                 const std::shared_lock guard(texts().lock);
+                                 const auto found = texts().keys.find(text);
+                                 if (found != texts().keys.end()) return found->second;
+                               }
+                               const std::unique_lock guard(texts().lock);
+                               return keyLocked(text);
+                             });
+}
+
+SEL keySelector(const ObservedKey& key, const char* before, const char* behind) {
+  // In the middle of a selector the key has a capital.
+  const std::string& text =
+      *before == '\0' || std::string_view(before) == "_" ? key.text : key.capitalized;
+  return sel_findName(before + text + behind);
+}
+
+}  // namespace brindle::detail

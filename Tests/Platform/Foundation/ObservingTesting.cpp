@@ -1,11 +1,12 @@
 #include "Tests/Platform/Foundation/ObservingTesting.h"
 #include <algorithm>
+#include <atomic>
 
 namespace brindle {
 namespace {
 
 struct Fields {
-  int age = 0;
+  std::atomic<int> age = 0;  // set by several threads in a test
   Field<NSString> name;
   Field<NSString> surname;
   Field<WatchedPerson> friend_;
@@ -23,7 +24,7 @@ struct Fields {
 Fields& fields(const WatchedPerson& self) { return fieldsOf<Fields>(self); }
 
 constexpr MethodDefinition kMethods[] = {
-    method<"age">([](const WatchedPerson& self) { return fields(self).age; }),
+    method<"age">([](const WatchedPerson& self) { return fields(self).age.load(); }),
     method<"setAge:">([](const WatchedPerson& self, int age) { fields(self).age = age; }),
     method<"name">([](const WatchedPerson& self) -> NSString { return fields(self).name; }),
     method<"setName:">([](const WatchedPerson& self, const NSString& n) { fields(self).name = n; }),

@@ -64,7 +64,8 @@ CapturedValue CapturedValue::ofKey(const id& object, const ObservedKey& key) {
         value.object_ = get<id>(*method, record);
         return value;
       case 'c':
-        value.bits_ = get<signed char>(*method, record);
+        value.bits_ =
+            get<signed char>(*method, record);  // NOLINT(bugprone-signed-char-misuse): a number
         return value;
       case 'C':
         value.bits_ = get<unsigned char>(*method, record);

@@ -50,9 +50,11 @@ BENCHMARK(allocInitRelease<Only>)->Name("instance of a singleton class");
 }  // namespace brindle
 
 int main(int argc, char** argv) {
-  return brindle::bench::runWithPeers(argc, argv, {"PlatformAllocation", "GNUstepDispatch"},
+  return brindle::bench::runWithPeers(argc, argv,
+                                      {"PlatformAllocation", "GNUstepDispatch", "QtAllocation"},
                                       {{"plain object", "platform alone, and 10 virtual calls", 1},
                                        {"plain object", "platform alone", 2},
+                                       {"plain object", "Qt new and delete", 1},
                                        {"plain object", "GNUstep alloc, init, release", 0.6},
                                        {"awakened object", "plain object", 8}});
 }

@@ -1,5 +1,6 @@
 // What observing costs: changes that nobody, one or ten observers are told of, registering and
-// removing, and collections whose members are observed. Beside GNUstep and GObject in the same run.
+// removing, and collections whose members are observed. Beside GNUstep, GObject and Qt in the same
+// run.
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/Field.h>
 #include <Brindle/Platform/NSKeyValueObserving.h>
+#include <Brindle/Platform/Observation.h>
 
 #include "PeerRun.h"
 
@@ -119,6 +121,17 @@ void changeWithBlocks(benchmark::State& state) {
   for (const Block<void()>& stop : stops) stop();
 }
 
+void changeWithValues(benchmark::State& state) {
+  const BenchModel model = BenchModel::new_();
+  std::vector<Observation> watching;
+  std::int64_t sum = 0;
+  for (std::int64_t i = 0; i < state.range(0); ++i) {
+    watching.push_back(observe<int>(model, "number"_ns, [&sum](int, int now) { sum += now; }));
+  }
+  change(state, model);
+  benchmark::DoNotOptimize(sum);
+}
+
 void registerAndRemove(benchmark::State& state) {
   const BenchModel model = BenchModel::new_();
   const BenchWatcher watcher = BenchWatcher::new_();
@@ -126,6 +139,11 @@ void registerAndRemove(benchmark::State& state) {
     addObserver(model, watcher, "number"_ns, kBoth);
     removeObserver(model, watcher, "number"_ns);
   }
+}
+
+void registerAndRemoveValues(benchmark::State& state) {
+  const BenchModel model = BenchModel::new_();
+  for (auto _ : state) observe<int>(model, "number"_ns, [](int, int) {}).reset();
 }
 
 void registerAndRemoveBlock(benchmark::State& state) {
@@ -173,8 +191,10 @@ BENCHMARK(changeNeverObserved)->Name("change, never observed");
 BENCHMARK(changeObservedElsewhere)->Name("change, nobody observes");
 BENCHMARK(changeWithObservers)->Name("change, observers")->Arg(1)->Arg(10);
 BENCHMARK(changeWithBlocks)->Name("change, blocks")->Arg(1)->Arg(10);
+BENCHMARK(changeWithValues)->Name("change, values")->Arg(1)->Arg(10);
 BENCHMARK(registerAndRemove)->Name("register and remove");
 BENCHMARK(registerAndRemoveBlock)->Name("register and remove a block");
+BENCHMARK(registerAndRemoveValues)->Name("register and remove values");
 BENCHMARK(pairsOfMany)->Name("10,000 pairs")->Unit(benchmark::kMicrosecond);
 BENCHMARK(changeOfACollection)->Name("change of 10,000")->Unit(benchmark::kMicrosecond);
 
@@ -183,14 +203,17 @@ BENCHMARK(changeOfACollection)->Name("change of 10,000")->Unit(benchmark::kMicro
 
 int main(int argc, char** argv) {
   return brindle::bench::runWithPeers(
-      argc, argv, {"GNUstepObserving", "GObjectObserving"},
+      argc, argv, {"GNUstepObserving", "GObjectObserving", "QtObserving"},
       {{"change, nobody observes", "change, never observed", 1.1},
        {"change, blocks/1", "GNUstep change, 1 observer", 0.065},
        {"change, blocks/1", "GObject change, 1 observer", 0.75},
        {"change, blocks/10", "GNUstep change, 10 observers", 0.2},
        {"change, blocks/10", "GObject change, 10 observers", 1},
+       {"change, values/1", "Qt change, 1 observer", 3},
+       {"change, values/10", "Qt change, 10 observers", 3},
        {"register and remove", "GNUstep register and remove", 0.065},
        {"register and remove", "GObject connect and disconnect", 0.55},
        {"register and remove a block", "register and remove", 2},
+       {"register and remove values", "register and remove", 2},
        {"change of 10,000", "10,000 pairs", 1.3}});
 }

@@ -11,7 +11,7 @@ packages=(
 if [ "${1:-}" = --all ]; then
   packages+=(
     clang-14 clang libclang-rt-14-dev llvm-14 clang-format-14 clang-tidy-14
-    libplist-dev gobjc gobjc++ gnustep-make libgnustep-base-dev)
+    libplist-dev gobjc gobjc++ gnustep-make libgnustep-base-dev qt6-base-dev)
 fi
 
 # Zone rules change several times a year, and answers with them: these are the oldest that will do.

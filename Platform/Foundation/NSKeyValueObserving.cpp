@@ -90,7 +90,8 @@ std::vector<Announced>& announced() {
 void will(const NSObject& self, const ObservedKey& key, detail::ChangeDetails details) {
   if ((self.record()->flags.load(std::memory_order_acquire) & detail::kFlagObservers) == 0) return;
   const id object = self;  // observers may let go of it
-  auto change = std::make_unique<detail::ObservedChange>(object, key, std::move(details));
+  auto change = std::make_unique<detail::ObservedChange>(object, key, std::move(details),
+                                                         detail::SnapshotLife::kLong);
   announced().push_back({self.record(), std::move(change)});
 }
 

@@ -13,6 +13,7 @@
 #include <Brindle/Platform/Weak.h>
 
 #include "Platform/Foundation/Internal/Categories.h"
+#include "Platform/Foundation/Internal/Marks.h"
 #include "Platform/Foundation/Internal/Observations.h"
 #include "Platform/Foundation/Internal/ObservedChange.h"
 
@@ -105,30 +106,42 @@ class ObservationState {
   void end() noexcept;
 
  private:
-  // The count of calls is in the bits above these.
+  // A call marks the state; where it cannot, it is counted in the bits above these.
   static constexpr std::uint32_t kClosed = 1;     // no call begins
-  static constexpr std::uint32_t kFinishing = 2;  // somebody destroys the lambda
-  static constexpr std::uint32_t kFinished = 4;   // it is destroyed
-  static constexpr std::uint32_t kCall = 8;
+  static constexpr std::uint32_t kSettled = 2;    // and all that have begun are marked or counted
+  static constexpr std::uint32_t kFinishing = 4;  // somebody destroys the lambda
+  static constexpr std::uint32_t kFinished = 8;   // it is destroyed
+  static constexpr std::uint32_t kCall = 16;
 
-  /// A call that has begun, unless the observation has ended.
+  /// A call that has begun, unless the observation has ended. The state outlives it.
   class Call {
    public:
     explicit Call(ObservationState& state) noexcept
-        : state_(state),
-          frame_(&state),
-          began_((state.calls_.fetch_add(kCall, std::memory_order_acquire) & kClosed) == 0) {}
+        : state_(state), frame_(&state), began_((begin() & kClosed) == 0) {}
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
     ~Call() {
-      const std::uint32_t before = state_.calls_.fetch_sub(kCall, std::memory_order_acq_rel);
-      if (before == (kCall | kClosed)) state_.finish();
+      if (mark_.isSet()) {
+        mark_.clear();
+        if ((state_.calls_.load() & kClosed) == 0) [[likely]]
+          return;
+        // Written, though not changed: of two calls that return, the second sees the first one
+        // gone.
+        if (state_.calls_.fetch_or(0) == (kClosed | kSettled)) state_.finish();
+      } else if (state_.calls_.fetch_sub(kCall) == (kCall | kClosed | kSettled)) {
+        state_.finish();
+      }
     }
     [[nodiscard]] bool began() const noexcept { return began_; }
 
    private:
+    std::uint32_t begin() noexcept {
+      return mark_.set(&state_) ? state_.calls_.load() : state_.calls_.fetch_add(kCall);
+    }
+
     ObservationState& state_;
     const FrameScope frame_;
+    Mark mark_;
     const bool began_;
   };
 
@@ -276,8 +289,10 @@ void ObservationState::run(const NSDictionary& change, const NSString& keyPath) 
 }
 
 void ObservationState::end() noexcept {
-  calls_.fetch_or(kClosed, std::memory_order_acq_rel);
+  calls_.fetch_or(kClosed);
   unregister();
+  settleMarks();
+  calls_.fetch_or(kSettled);
   if (!finish()) waitForFinish();
 }
 
@@ -298,8 +313,9 @@ void ObservationState::unregister() noexcept {
 }
 
 bool ObservationState::finish() noexcept {
-  std::uint32_t expected = kClosed;
-  if (!calls_.compare_exchange_strong(expected, kClosed | kFinishing, std::memory_order_acq_rel)) {
+  std::uint32_t expected = kClosed | kSettled;
+  if (isMarked(this)) return (calls_.load() & kFinished) != 0;
+  if (!calls_.compare_exchange_strong(expected, expected | kFinishing)) {
     return (expected & kFinished) != 0;
   }
   {
@@ -308,7 +324,7 @@ bool ObservationState::finish() noexcept {
     values_.reset();
     block_ = nullptr;
   }
-  calls_.fetch_or(kFinished, std::memory_order_acq_rel);
+  calls_.fetch_or(kFinished);
   { const std::lock_guard guard(waiters().lock); }
   waiters().changed.notify_all();
   return true;

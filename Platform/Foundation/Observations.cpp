@@ -26,6 +26,42 @@ Striped<Stripe>& stripes() {
   return all;
 }
 
+// How often the lists of a stripe were changed.
+constinit Striped<std::atomic<std::uint64_t>> generations;
+
+void noteChangeLocked(const ObjectRecord* object) noexcept {
+  std::atomic<std::uint64_t>& generation = generations.of(object);
+  generation.store(generation.load(std::memory_order_relaxed) + 1, std::memory_order_release);
+}
+
+/// A list that this thread read, as it was in that generation.
+struct RecentList {
+  const ObjectRecord* object;
+  std::uint64_t generation;
+  ObservedList* list;
+  std::size_t count;
+};
+constexpr std::size_t kRecent = 16;
+constinit thread_local RecentList recentLists [[gnu::tls_model("initial-exec")]][kRecent]{};
+
+RecentList& recentList(const ObjectRecord* object) noexcept {
+  return recentLists[stripeOf(object) % kRecent];
+}
+
+/// Lists that are in the table no more, and perhaps still read.
+struct RetiredLists {
+  // To look for readers interrupts other threads: rather for many lists at once.
+  static constexpr std::size_t kMany = 64;
+
+  std::mutex lock;
+  std::vector<ObservedList*> lists;
+};
+
+RetiredLists& retiredLists() {
+  static auto& all = *new RetiredLists;
+  return all;
+}
+
 bool isObserved(const ObjectRecord* object) noexcept {
   return (object->flags.load(std::memory_order_acquire) & kFlagObservers) != 0;
 }
@@ -62,19 +98,74 @@ void ObservedList::release(ObservedList* list) {
   ::operator delete(list);
 }
 
+void ObservedList::retire(ObservedList* list) {
+  if (list == nullptr) return;
+  if (onlyThisThreadMarks() && !isMarked(list)) {
+    release(list);
+    return;
+  }
+  list->retired_.store(true, std::memory_order_relaxed);
+  bool many = false;
+  {
+    RetiredLists& retired = retiredLists();
+    const std::lock_guard guard(retired.lock);
+    retired.lists.push_back(list);
+    many = retired.lists.size() % RetiredLists::kMany == 0;
+  }
+  if (many) collectRetired();
+}
+
+void ObservedList::collectRetired() {
+  std::vector<ObservedList*> unread;
+  {
+    RetiredLists& retired = retiredLists();
+    const std::lock_guard guard(retired.lock);
+    settleMarks();
+    const auto end = std::partition(retired.lists.begin(), retired.lists.end(), &isMarked);
+    unread.assign(end, retired.lists.end());
+    retired.lists.erase(end, retired.lists.end());
+  }
+  for (ObservedList* list : unread) release(list);
+}
+
 void ObservedList::take(ObservedEntry* place) noexcept {
   std::copy(place + 1, end(), place);
   --count_;
 }
 
-ObservedSnapshot::ObservedSnapshot(ObjectRecord* object) : object_(object) {
+ObservedSnapshot::ObservedSnapshot(ObjectRecord* object, SnapshotLife life) : object_(object) {
   if (!isObserved(object)) return;
+  RecentList& recent = recentList(object);
+  const bool marks = life == SnapshotLife::kScope;
+  if (marks && recent.object == object && mark_.set(recent.list)) {
+    if (generations.of(object).load(std::memory_order_acquire) == recent.generation) [[likely]] {
+      list_ = recent.list;
+      count_ = recent.count;
+      return;
+    }
+    mark_.clear();
+  }
   Stripe& stripe = stripes().of(object);
   const std::lock_guard guard(stripe.lock);
   const auto found = stripe.lists.find(object);
-  if (found == stripe.lists.end() || found->second->size() == 0) return;
-  list_ = found->second->retained();
+  if (found == stripe.lists.end() || found->second == nullptr || found->second->size() == 0) return;
+  list_ = found->second;
   count_ = list_->size();
+  if (marks && mark_.set(list_)) {
+    recent = {object, generations.of(object).load(std::memory_order_relaxed), list_, count_};
+  } else {
+    list_ = list_->retained();
+  }
+}
+
+ObservedSnapshot::~ObservedSnapshot() {
+  if (!mark_.isSet()) {
+    ObservedList::release(list_);
+    return;
+  }
+  const bool last = list_->isRetired();
+  mark_.clear();
+  if (last) ObservedList::collectRetired();
 }
 
 void addEntry(ObjectRecord* object, const ObservedEntry& entry, const ObservingClass* notifying) {
@@ -83,6 +174,7 @@ void addEntry(ObjectRecord* object, const ObservedEntry& entry, const ObservingC
   {
     Stripe& stripe = stripes().of(object);
     const std::lock_guard guard(stripe.lock);
+    noteChangeLocked(object);
     ObservedList*& list = stripe.lists[object];
     if (list == nullptr) {
       list = ObservedList::make(1);
@@ -97,7 +189,7 @@ void addEntry(ObjectRecord* object, const ObservedEntry& entry, const ObservingC
       object->isa.compare_exchange_strong(cls, notifying->notifying, std::memory_order_acq_rel);
     }
   }
-  ObservedList::release(old);
+  ObservedList::retire(old);
 }
 
 bool removeEntry(ObjectRecord* object, const Registration* registration, std::uint32_t serial) {
@@ -107,24 +199,25 @@ bool removeEntry(ObjectRecord* object, const Registration* registration, std::ui
     Stripe& stripe = stripes().of(object);
     const std::lock_guard guard(stripe.lock);
     const auto found = stripe.lists.find(object);
-    if (found == stripe.lists.end()) return false;
+    if (found == stripe.lists.end() || found->second == nullptr) return false;
     ObservedList*& list = found->second;
     ObservedEntry* place = list->end();
     do {
       if (place == list->begin()) return false;
       --place;
     } while (place->registration != registration || place->serial != serial);
-    if (list->isUnshared()) {
+    noteChangeLocked(object);
+    if (list->isUnread()) {
       taken = place->registration;
       list->take(place);
     } else {
       old = list;
-      list = copied(*old, std::max<std::size_t>(1, old->size() - 1), place);
+      list = old->size() > 1 ? copied(*old, old->size() - 1, place) : nullptr;
     }
-    if (list->size() == 0) restoreClassLocked(object);
+    if (list == nullptr || list->size() == 0) restoreClassLocked(object);
   }
   releaseRegistration(taken);
-  ObservedList::release(old);
+  ObservedList::retire(old);
   return true;
 }
 
@@ -139,7 +232,7 @@ Registration* findRegistration(ObjectRecord* object, const id& observer, const O
   Stripe& stripe = stripes().of(object);
   const std::lock_guard guard(stripe.lock);
   const auto found = stripe.lists.find(object);
-  if (found == stripe.lists.end()) return nullptr;
+  if (found == stripe.lists.end() || found->second == nullptr) return nullptr;
   ObservedList& list = *found->second;
   for (ObservedEntry* entry = list.end(); entry != list.begin();) {
     --entry;
@@ -161,6 +254,7 @@ void forgetObservers(ObjectRecord* object) noexcept {
     object->flags.fetch_and(~kFlagObservers, std::memory_order_acq_rel);
     const auto found = stripe.lists.find(object);
     if (found == stripe.lists.end()) return;
+    noteChangeLocked(object);
     list = found->second;
     stripe.lists.erase(found);
   }
@@ -168,7 +262,7 @@ void forgetObservers(ObjectRecord* object) noexcept {
   for (const ObservedEntry& entry : *list) {
     if (entry.serial == 0) endRegistration(entry.registration);
   }
-  ObservedList::release(list);
+  ObservedList::retire(list);
 }
 
 Registration* observe(const id& object, const id& observer, const ObservedPath* path,

@@ -58,8 +58,9 @@ CapturedValue setOf(const std::vector<id>& members) {
 
 }  // namespace
 
-ObservedChange::ObservedChange(const id& object, const ObservedKey& key, ChangeDetails details)
-    : key_(key), details_(std::move(details)), snapshot_(object.record()) {
+ObservedChange::ObservedChange(const id& object, const ObservedKey& key, ChangeDetails details,
+                               SnapshotLife life)
+    : key_(key), details_(std::move(details)), snapshot_(object.record(), life) {
   bool hasPrior = false;
   for (const ObservedEntry& entry : snapshot_) {
     const Registration& r = *entry.registration;

@@ -100,7 +100,7 @@ void setAndTell(ObjectRecord* self, SEL selector, T value) {
   const id object = borrow<id>(self);  // observers may let go of it, and of the new value
   id argument;
   if constexpr (std::is_same_v<T, ObjectRecord*>) argument = borrow<id>(value);
-  ObservedChange change(object, *call.setter()->key, {});
+  ObservedChange change(object, *call.setter()->key, {}, SnapshotLife::kScope);
   previous(self, selector, value);
   change.finish(object);
 }
@@ -200,7 +200,8 @@ void setAnyAndTell(void* context, void** arguments, void* result) {
     return;
   }
   const id object = borrow<id>(self);  // observers may let go of it
-  ObservedChange change(object, *call.setter()->key, detailsOf(call.setter()->kind, arguments));
+  ObservedChange change(object, *call.setter()->key, detailsOf(call.setter()->kind, arguments),
+                        SnapshotLife::kScope);
   callPrevious();
   change.finish(object);
 }

@@ -1,10 +1,11 @@
 // Who observes what: registrations, and the table of observed objects.
 //
 // An object's registrations lie in a list that only grows at its end while anybody else reads it,
-// so that whoever tells observers works on what it was when they began, for the price of one count.
-// A stripe's lock guards the lists of its objects and the change of their classes; no other code
-// runs under it. Registering many with one object takes the same for each; removing one looks for
-// it from the latest to the first.
+// so that whoever tells observers works on what it was when they began. A thread remembers the
+// lists that it read lately, and reads them again without a lock: it marks the list, which keeps
+// it, and finds that no list of its stripe was changed since. A stripe's lock guards the lists of
+// its objects and the change of their classes; no other code runs under it. Registering many with
+// one object takes the same for each; removing one looks for it from the latest to the first.
 #pragma once
 
 #include <atomic>
@@ -15,6 +16,7 @@
 #include <Brindle/Platform/NSKeyValueObserving.h>
 #include <Brindle/Platform/Weak.h>
 
+#include "Platform/Foundation/Internal/Marks.h"
 #include "Platform/Foundation/Internal/ObservedKeys.h"
 
 namespace brindle::detail {
@@ -102,11 +104,18 @@ struct ObservedEntry {
   bool isWhole;                  // the key is the registration's whole path
 };
 
-/// An object's registrations, in their order. Changed under the stripe's lock.
+/// An object's registrations, in their order. Changed under the stripe's lock. It belongs to the
+/// table of observed objects and to those who count as its owners; besides, whoever marks it while
+/// it is in the table keeps it.
 class ObservedList {
  public:
   static ObservedList* make(std::size_t room);
   static void release(ObservedList* list);
+  /// Takes it from the table, where it is not any more. It ends when its last reader is done.
+  static void retire(ObservedList* list);
+  /// Ends the retired lists whose readers are done.
+  static void collectRetired();
+
   ObservedList* retained() noexcept {
     owners_.fetch_add(1, std::memory_order_relaxed);
     return this;
@@ -116,14 +125,15 @@ class ObservedList {
   }
   ObservedEntry* end() noexcept { return begin() + count_; }
   [[nodiscard]] std::size_t size() const noexcept { return count_; }
-  /// Whether nobody but the table of observed objects has it.
-  [[nodiscard]] bool isUnshared() const noexcept {
-    return owners_.load(std::memory_order_acquire) == 1;
+  /// Whether nobody reads it. With the stripe's lock held, so that nobody begins.
+  [[nodiscard]] bool isUnread() const noexcept {
+    return owners_.load(std::memory_order_acquire) == 1 && onlyThisThreadMarks() && !isMarked(this);
   }
+  [[nodiscard]] bool isRetired() const noexcept { return retired_.load(std::memory_order_relaxed); }
   [[nodiscard]] bool isFull() const noexcept { return count_ == room_; }
   /// Adds at the end, where readers do not look yet. The registration is the list's from now on.
   void append(const ObservedEntry& entry) noexcept { begin()[count_++] = entry; }
-  /// Takes an entry out of an unshared list. The registration is the caller's from now on.
+  /// Takes an entry out of an unread list. The registration is the caller's from now on.
   void take(ObservedEntry* place) noexcept;
 
  private:
@@ -132,15 +142,22 @@ class ObservedList {
   std::atomic<std::size_t> owners_{1};
   std::size_t count_ = 0;
   std::size_t room_;
+  std::atomic<bool> retired_{false};
+};
+
+/// How long a snapshot lives.
+enum class SnapshotLife {
+  kScope,  // a scope's, on one thread
+  kLong,
 };
 
 /// The list of an object at this moment, kept.
 class ObservedSnapshot {
  public:
-  explicit ObservedSnapshot(ObjectRecord* object);
+  ObservedSnapshot(ObjectRecord* object, SnapshotLife life);
   ObservedSnapshot(const ObservedSnapshot&) = delete;
   ObservedSnapshot& operator=(const ObservedSnapshot&) = delete;
-  ~ObservedSnapshot() { ObservedList::release(list_); }
+  ~ObservedSnapshot();
   [[nodiscard]] const ObservedEntry* begin() const noexcept {
     return list_ != nullptr ? list_->begin() : nullptr;
   }
@@ -153,6 +170,7 @@ class ObservedSnapshot {
   const ObjectRecord* object_;
   ObservedList* list_ = nullptr;
   std::size_t count_ = 0;
+  Mark mark_;  // an owner of the list when it is not set
 };
 
 /// Adds an entry (retaining its registration) and makes the object an observed one: of the class

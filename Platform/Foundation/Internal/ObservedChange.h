@@ -50,7 +50,8 @@ struct ChangeDetails {
 /// keep until all are told.
 class ObservedChange {
  public:
-  ObservedChange(const id& object, const ObservedKey& key, ChangeDetails details);
+  ObservedChange(const id& object, const ObservedKey& key, ChangeDetails details,
+                 SnapshotLife life);
   ObservedChange(const ObservedChange&) = delete;
   ObservedChange& operator=(const ObservedChange&) = delete;
   ~ObservedChange() = default;

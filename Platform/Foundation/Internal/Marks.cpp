@@ -1,0 +1,96 @@
+// What the threads use at this moment.
+#include "Platform/Foundation/Internal/Marks.h"
+
+#include <algorithm>
+#include <exception>
+
+#include <linux/membarrier.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace brindle::detail {
+namespace {
+
+// For threads that have not marked yet, and for those that cannot.
+constinit MarkingThread beginning{MarkingThread::kAll};
+constinit MarkingThread unable{MarkingThread::kAll};
+
+// Never freed: a thread that comes takes over from one that is gone.
+constinit std::atomic<MarkingThread*> threads{nullptr};
+constinit std::atomic<std::uint32_t> living{0};
+
+bool ask(int command) noexcept { return syscall(SYS_membarrier, command, 0, 0) == 0; }
+
+bool kernelSettles() noexcept {
+  static const bool able = ask(MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED);
+  return able;
+}
+
+MarkingThread* taken() noexcept {
+  MarkingThread* thread = threads.load(std::memory_order_acquire);
+  for (; thread != nullptr; thread = thread->next) {
+    if (!thread->taken.exchange(true, std::memory_order_acq_rel)) return thread;
+  }
+  thread = new MarkingThread(0);
+  thread->taken.store(true, std::memory_order_relaxed);
+  thread->next = threads.load(std::memory_order_relaxed);
+  while (!threads.compare_exchange_weak(thread->next, thread)) {
+  }
+  return thread;
+}
+
+/// Gives a thread's marks back when it ends. What runs in the thread after that marks nothing.
+struct Membership {
+  Membership() noexcept {
+    living.fetch_add(1);
+    markingThread = taken();
+  }
+  Membership(const Membership&) = delete;
+  Membership& operator=(const Membership&) = delete;
+  ~Membership() {
+    MarkingThread* thread = markingThread;
+    markingThread = &unable;
+    thread->taken.store(false, std::memory_order_release);
+    living.fetch_sub(1);
+  }
+};
+
+}  // namespace
+
+constinit thread_local MarkingThread* markingThread [[gnu::tls_model("initial-exec")]] = &beginning;
+
+MarkingThread* markingThreadWithRoom() noexcept {
+  if (markingThread != &beginning) return nullptr;
+  if (!kernelSettles()) {
+    markingThread = &unable;
+    return nullptr;
+  }
+  thread_local const Membership membership;
+  return markingThread;
+}
+
+void settleMarks() noexcept {
+  if (onlyThisThreadMarks()) return;
+  if (ask(MEMBARRIER_CMD_PRIVATE_EXPEDITED)) return;
+  // After a fork, perhaps, it has to be asked for anew.
+  if (ask(MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED) && ask(MEMBARRIER_CMD_PRIVATE_EXPEDITED)) {
+    return;
+  }
+  std::terminate();  // marks that were set cannot be trusted any more
+}
+
+bool isMarked(const void* what) noexcept {
+  for (const MarkingThread* thread = threads.load(); thread != nullptr; thread = thread->next) {
+    for (const std::atomic<const void*>& mark : thread->marks) {
+      if (mark.load(std::memory_order_acquire) == what) return true;
+    }
+  }
+  return false;
+}
+
+bool onlyThisThreadMarks() noexcept {
+  const MarkingThread* thread = markingThread;
+  return living.load() <= (thread != &beginning && thread != &unable ? 1U : 0U);
+}
+
+}  // namespace brindle::detail

@@ -80,7 +80,7 @@ struct Removal {
   Side observed;
   Side observer;
   ChangeBlock block;
-  id attached;
+  id again;  // what the observer keeps instead of the block, when it had the block before
   NSString keyPath;
   Block<void()> extra;
 
@@ -88,20 +88,23 @@ struct Removal {
     if (const id object = observed.lock()) removeObserver(object, block, keyPath);
     if (extra) extra();
     if (const id object = observer.lock()) {
-      objc_setAssociatedObject(object, attached.record(), nullptr, OBJC_ASSOCIATION_RETAIN);
+      const ObjectRecord* attached = again ? again.record() : block.record();
+      objc_setAssociatedObject(object, attached, nullptr, OBJC_ASSOCIATION_RETAIN);
     }
   }
 };
 
 Block<void()> observe(const NSObject& self, const id& observer, const NSString& keyPath,
                       NSUInteger options, const ChangeBlock& block, const Block<void()>& extra) {
-  const ChangeBlock kept = uncheckedCast<ChangeBlock>(send<"copy", id>(block));
+  auto kept = uncheckedCast<ChangeBlock>(send<"copy", id>(block));
   addObserver(self, kept, keyPath, options & kPlatformOptions, callContext());
   // A block that is registered once more is kept once more, so that each removal takes its own.
-  id attached = kept;
-  if (objc_getAssociatedObject(observer, kept.record())) attached = NSArray::arrayWithObject(kept);
+  id again;
+  if (objc_getAssociatedObject(observer, kept.record())) again = NSArray::arrayWithObject(kept);
+  const id& attached = again ? again : kept;
   objc_setAssociatedObject(observer, attached.record(), attached, OBJC_ASSOCIATION_RETAIN);
-  const Block<void()> removal = Removal{Side(self), Side(observer), kept, attached, keyPath, extra};
+  Block<void()> removal =
+      Removal{Side(self), Side(observer), std::move(kept), std::move(again), keyPath, extra};
   if ((options & kRemoveOnDealloc) != kRemoveOnDealloc) return removal;
   send<"_deallocUnobservers", NSMutableArray>(observer)->addObject(removal);
   return nothing();
@@ -167,7 +170,8 @@ Block<void()> observeCollection(const NSObject& self, const id& observer, const 
 void observeValue(const NSObject& self, Cmd cmd, const NSString& keyPath, const id& object,
                   const NSDictionary& change, void* context) {
   if (context == callContext()) {
-    uncheckedCast<ChangeBlock>(self)(change);
+    // Whoever sends this keeps the block while it runs.
+    detail::callBlock<void, const NSDictionary&>(self.record(), change);
     return;
   }
   callImplementation<void>(previousObserve, self, cmd.selector, keyPath, object, change, context);

@@ -10,7 +10,6 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -19,6 +18,7 @@
 
 #include "Platform/Runtime/Internal/ClassData.h"
 #include "Platform/Runtime/Internal/Life.h"
+#include "Platform/Runtime/Internal/SpinLock.h"
 
 namespace brindle {
 namespace detail {
@@ -47,18 +47,6 @@ struct Value {
 };
 
 id owner(const Value& value) { return value.owned ? adopt<id>(value.object) : id(); }
-
-/// A lock for a few instructions. Nothing that runs under it runs other code.
-class SpinLock {
- public:
-  void lock() noexcept {
-    while (busy_.exchange(true, std::memory_order_acquire)) std::this_thread::yield();
-  }
-  void unlock() noexcept { busy_.store(false, std::memory_order_release); }
-
- private:
-  std::atomic<bool> busy_{false};
-};
 
 struct Entry {
   ObjectRecord* object = nullptr;
@@ -133,7 +121,7 @@ class Table {
 };
 
 struct alignas(64) Stripe {
-  SpinLock lock;
+  detail::SpinLock lock;
   Table table;
 };
 

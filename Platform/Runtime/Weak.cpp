@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "Platform/Runtime/Internal/Life.h"
+#include "Platform/Runtime/Internal/SpinLock.h"
 #include "Platform/Runtime/Internal/Striped.h"
 #include "Platform/Runtime/Internal/WeakCells.h"
 
@@ -19,7 +20,7 @@ struct WeakCell {
 namespace {
 
 struct Stripe {
-  std::mutex lock;
+  SpinLock lock;
   std::unordered_map<ObjectRecord*, WeakCell*> cells;
 };
 

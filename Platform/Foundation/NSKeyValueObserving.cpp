@@ -9,9 +9,11 @@
 
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/NSException.h>
+#include <Brindle/Platform/NSMutableArray.h>
 #include <Brindle/Platform/Runtime.h>
 
 #include "Platform/Foundation/Internal/Arguments.h"
+#include "Platform/Foundation/Internal/ArrayStorage.h"
 #include "Platform/Foundation/Internal/Categories.h"
 #include "Platform/Foundation/Internal/ObservedChange.h"
 #include "Platform/Runtime/Internal/Life.h"
@@ -215,17 +217,25 @@ constexpr MethodDefinition kMethods[] = {
   detail::raiseUnobservable(self, selector, keyPath);
 }
 
-/// The members at the indexes; raises before anything is done with them.
-std::vector<id> chosen(const NSArray& self, SEL selector, const NSIndexSet& indexes) {
+/// Does something with the members at the indexes, as they are now; raises before it begins.
+template <class Body>
+void forMembers(const NSArray& self, SEL selector, const NSIndexSet& indexes, Body body) {
   detail::requireArgument(self, selector, indexes);
-  std::vector<id> members;
   const NSUInteger count = self->count();
   if (indexes->count() > 0 && indexes->lastIndex() >= count) {
     detail::raiseBeyondCount(self, selector, indexes->lastIndex(), count);
   }
+  if (detail::isLibraryArray(self) && !isa<NSMutableArray>(self)) {
+    const NSArray kept = self;  // and with it its members, where they are
+    const detail::ArrayItems members(kept);
+    const NSIndexSet same = indexes->copy();
+    for (const NSUInteger index : same) body(members.items()[index]);
+    return;
+  }
+  std::vector<id> members;
   members.reserve(indexes->count());
   for (const NSUInteger index : indexes) members.push_back(self->objectAtIndex(index));
-  return members;
+  for (const id& member : members) body(member);
 }
 
 constexpr MethodDefinition kArrayMethods[] = {
@@ -244,23 +254,23 @@ constexpr MethodDefinition kArrayMethods[] = {
     method<"addObserver:toObjectsAtIndexes:forKeyPath:options:context:">(
         [](const NSArray& self, Cmd cmd, const id& observer, const NSIndexSet& indexes,
            const NSString& keyPath, NSUInteger options, void* context) {
-          for (const id& member : chosen(self, cmd.selector, indexes)) {
+          forMembers(self, cmd.selector, indexes, [&](const id& member) {
             addObserver(member, observer, keyPath, options, context);
-          }
+          });
         }),
     method<"removeObserver:fromObjectsAtIndexes:forKeyPath:">(
         [](const NSArray& self, Cmd cmd, const id& observer, const NSIndexSet& indexes,
            const NSString& keyPath) {
-          for (const id& member : chosen(self, cmd.selector, indexes)) {
+          forMembers(self, cmd.selector, indexes, [&](const id& member) {
             removeObserver(member, observer, keyPath);
-          }
+          });
         }),
     method<"removeObserver:fromObjectsAtIndexes:forKeyPath:context:">(
         [](const NSArray& self, Cmd cmd, const id& observer, const NSIndexSet& indexes,
            const NSString& keyPath, void* context) {
-          for (const id& member : chosen(self, cmd.selector, indexes)) {
+          forMembers(self, cmd.selector, indexes, [&](const id& member) {
             removeObserver(member, observer, keyPath, context);
-          }
+          });
         }),
 };
 

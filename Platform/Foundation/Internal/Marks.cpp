@@ -1,8 +1,8 @@
 // What the threads use at this moment.
 #include "Platform/Foundation/Internal/Marks.h"
 
-#include <algorithm>
 #include <exception>
+#include <new>
 
 #include <linux/membarrier.h>
 #include <sys/syscall.h>
@@ -26,12 +26,14 @@ bool kernelSettles() noexcept {
   return able;
 }
 
+/// Null when there is no memory.
 MarkingThread* taken() noexcept {
   MarkingThread* thread = threads.load(std::memory_order_acquire);
   for (; thread != nullptr; thread = thread->next) {
     if (!thread->taken.exchange(true, std::memory_order_acq_rel)) return thread;
   }
-  thread = new MarkingThread(0);
+  thread = new (std::nothrow) MarkingThread(0);
+  if (thread == nullptr) return nullptr;
   thread->taken.store(true, std::memory_order_relaxed);
   thread->next = threads.load(std::memory_order_relaxed);
   while (!threads.compare_exchange_weak(thread->next, thread)) {
@@ -43,7 +45,8 @@ MarkingThread* taken() noexcept {
 struct Membership {
   Membership() noexcept {
     living.fetch_add(1);
-    markingThread = taken();
+    MarkingThread* thread = taken();
+    markingThread = thread != nullptr ? thread : &unable;
   }
   Membership(const Membership&) = delete;
   Membership& operator=(const Membership&) = delete;
@@ -66,7 +69,7 @@ MarkingThread* markingThreadWithRoom() noexcept {
     return nullptr;
   }
   thread_local const Membership membership;
-  return markingThread;
+  return markingThread != &unable ? markingThread : nullptr;
 }
 
 void settleMarks() noexcept {

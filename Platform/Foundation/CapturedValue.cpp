@@ -32,14 +32,27 @@ MethodRecord* getterOf(const ClassRecord* cls, const ObservedKey& key) {
   return nullptr;
 }
 
-/// The encoding of what the method answers, without qualifiers.
-char resultType(const MethodRecord& method) {
-  const char* types = method.types.load(std::memory_order_acquire);
-  while (types != nullptr && *types != '\0' &&
-         std::string_view("rnNoORV").find(*types) != std::string_view::npos) {
-    ++types;
+bool isQualifier(char code) noexcept {
+  switch (code) {
+    case 'r':
+    case 'n':
+    case 'N':
+    case 'o':
+    case 'O':
+    case 'R':
+    case 'V':
+      return true;
+    default:
+      return false;
   }
-  return types != nullptr ? *types : '\0';
+}
+
+/// The encoding of what the method answers, without qualifiers.
+char resultType(const MethodRecord& method) noexcept {
+  const char* types = method.types.load(std::memory_order_acquire);
+  if (types == nullptr) return '\0';
+  while (isQualifier(*types)) ++types;
+  return *types;
 }
 
 template <class T>

@@ -2,6 +2,8 @@
 #include "Platform/Foundation/Internal/ChangeDictionary.h"
 
 #include <array>
+#include <memory>
+#include <utility>
 
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/NSNull.h>
@@ -85,10 +87,49 @@ constinit ClassPair<ChangeDictionary> ChangeDictionary::classPair{kDefinition};
 
 namespace detail {
 
+namespace {
+
+// The dictionary of an earlier change, empty and of nobody. One for each thread.
+constinit thread_local ObjectRecord* spare [[gnu::tls_model("initial-exec")]] = nullptr;
+constinit thread_local bool threadEnds [[gnu::tls_model("initial-exec")]] = false;
+
+struct EndOfSpare {
+  EndOfSpare() = default;
+  EndOfSpare(const EndOfSpare&) = delete;
+  EndOfSpare& operator=(const EndOfSpare&) = delete;
+  ~EndOfSpare() {
+    threadEnds = true;
+    releaseInDestructor(std::exchange(spare, nullptr));
+  }
+};
+
+/// Whether nothing knows of the dictionary but the one reference to it.
+bool isForgotten(const ObjectRecord* record) noexcept {
+  constexpr std::uint32_t kBeside = kFlagAssociations | kFlagObservers | kFlagWeak | kFlagMonitor;
+  return record->count.load(std::memory_order_acquire) == 1 &&
+         (record->flags.load(std::memory_order_acquire) & kBeside) == 0 &&
+         record->isa.load(std::memory_order_acquire) == &ChangeDictionary::classPair.cls;
+}
+
+}  // namespace
+
 NSDictionary changeDictionary(ChangeContents contents) {
-  auto dictionary = adopt<ChangeDictionary>(createInstance(&ChangeDictionary::classPair.cls, 0));
+  ObjectRecord* record = std::exchange(spare, nullptr);
+  if (record == nullptr) record = createInstance(&ChangeDictionary::classPair.cls, 0);
+  auto dictionary = adopt<ChangeDictionary>(record);
   fieldsOf<Contents>(dictionary) = std::move(contents);
   return dictionary;
+}
+
+void reuseChangeDictionary(id dictionary) {
+  if (!dictionary || !isForgotten(dictionary.record())) return;
+  auto forgotten = uncheckedCast<ChangeDictionary>(std::move(dictionary));
+  // The ends of the values may make changes too. What they raise is theirs, as in any destructor.
+  Contents& values = fieldsOf<Contents>(forgotten);
+  std::destroy_at(&values);
+  std::construct_at(&values);
+  thread_local const EndOfSpare end;
+  if (spare == nullptr && !threadEnds) spare = forgotten.leak();
 }
 
 }  // namespace detail

@@ -261,16 +261,14 @@ constexpr MethodDefinition kArrayMethods[] = {
     method<"removeObserver:fromObjectsAtIndexes:forKeyPath:">(
         [](const NSArray& self, Cmd cmd, const id& observer, const NSIndexSet& indexes,
            const NSString& keyPath) {
-          forMembers(self, cmd.selector, indexes, [&](const id& member) {
-            removeObserver(member, observer, keyPath);
-          });
+          forMembers(self, cmd.selector, indexes,
+                     [&](const id& member) { removeObserver(member, observer, keyPath); });
         }),
     method<"removeObserver:fromObjectsAtIndexes:forKeyPath:context:">(
         [](const NSArray& self, Cmd cmd, const id& observer, const NSIndexSet& indexes,
            const NSString& keyPath, void* context) {
-          forMembers(self, cmd.selector, indexes, [&](const id& member) {
-            removeObserver(member, observer, keyPath, context);
-          });
+          forMembers(self, cmd.selector, indexes,
+                     [&](const id& member) { removeObserver(member, observer, keyPath, context); });
         }),
 };
 

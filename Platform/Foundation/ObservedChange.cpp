@@ -163,6 +163,7 @@ void ObservedChange::finish(const id& object) {
     }
     if (!told) abandoned.push_back(&r);
   }
+  for (id& change : shared) reuseChangeDictionary(std::move(change));
   for (Registration* r : abandoned) endRegistration(r);
   if (raised) std::rethrow_exception(raised);
 }

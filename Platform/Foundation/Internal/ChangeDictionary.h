@@ -16,4 +16,8 @@ struct ChangeContents {
 /// A new immutable dictionary. Its values are boxed when they are asked for.
 NSDictionary changeDictionary(ChangeContents contents);
 
+/// The end of the last reference that this library has to it. When nobody else has one, its memory
+/// serves this thread's next change.
+void reuseChangeDictionary(id dictionary);
+
 }  // namespace brindle::detail

@@ -5,6 +5,9 @@
 #include <Brindle/Platform/NSEnumerator.h>
 #include <Brindle/Platform/NSMutableDictionary.h>
 #include <Brindle/Platform/NSMutableString.h>
+#include <Brindle/Platform/NSNumber.h>
+#include <Brindle/Platform/Runtime.h>
+#include <Brindle/Platform/Weak.h>
 
 #include "Tests/Platform/Foundation/ObservingTesting.h"
 #include "Tests/Platform/Runtime/RuntimeTesting.h"
@@ -101,6 +104,70 @@ TEST(ChangeDictionary, StaysRightAfterLaterChanges) {
   }
   EXPECT_EQ(textOfChange(names[0]), "kind=1 old=zero new=one");
   EXPECT_EQ(textOfChange(names[1]), "kind=1 old=one new=null");
+}
+
+TEST(ChangeDictionary, KeepsNoValueOnceNobodyKeepsIt) {
+  const WatchedPerson ann = WatchedPerson::new_();
+  const ChangeRecorder recorder = ChangeRecorder::new_();
+  addObserver(ann, recorder, "friend"_ns, kNew | kOld);
+  const auto befriended = [&ann] {
+    const WatchedPerson person = WatchedPerson::new_();
+    ann->setFriend(person);
+    return Weak<id>(person);
+  };
+  const Weak<id> first = befriended();
+  const Weak<id> second = befriended();
+  EXPECT_EQ(first.lock(), nullptr);
+  EXPECT_EQ(second.lock(), ann->friend_());
+  ann->setFriend(nullptr);
+  EXPECT_EQ(second.lock(), nullptr);
+}
+
+TEST(ChangeDictionary, EndsWhenItIsKnownInAnyWay) {
+  const WatchedPerson ann = WatchedPerson::new_();
+  const WatchedPerson bo = WatchedPerson::new_();
+  const ChangeRecorder recorder = ChangeRecorder::new_();
+  Weak<NSDictionary> weak;
+  Weak<id> associated;
+  NSDictionary kept;
+  int number = 0;
+  recorder->onChange([&](const NSString&, const id&, const NSDictionary& change, void*) {
+    EXPECT_FALSE(objc_getAssociatedObject(change, &number));
+    if (++number == 1) weak = change;
+    if (number == 2) {
+      const NSObject value = NSObject::new_();
+      associated = value;
+      objc_setAssociatedObject(change, &number, value, OBJC_ASSOCIATION_RETAIN);
+    }
+    if (number == 3) kept = change;
+  });
+  addObserver(ann, recorder, "friend"_ns, kNew);
+  ann->setFriend(bo);
+  EXPECT_EQ(weak.lock(), nullptr);
+  ann->setFriend(nullptr);
+  EXPECT_EQ(associated.lock(), nullptr);
+  ann->setFriend(bo);
+  ann->setFriend(nullptr);
+  EXPECT_EQ(kept[NSKeyValueChangeNewKey], bo);
+  EXPECT_EQ(number, 4);
+}
+
+TEST(ChangeDictionary, OfAChangeInsideAnotherIsOneOfItsOwn) {
+  const WatchedPerson ann = WatchedPerson::new_();
+  std::vector<std::string> told;
+  const ChangeRecorder recorder = ChangeRecorder::new_();
+  recorder->onChange([&](const NSString&, const id&, const NSDictionary& change, void*) {
+    const std::string before = textOfChange(change);
+    const int now = cast<NSNumber>(change[NSKeyValueChangeNewKey])->intValue();
+    if (now % 3 != 0) ann->setAge(now + 1);
+    told.push_back(before);
+    EXPECT_EQ(textOfChange(change), before);
+  });
+  addObserver(ann, recorder, "age"_ns, kNew);
+  ann->setAge(1);
+  ann->setAge(4);
+  EXPECT_EQ(told, (std::vector<std::string>{"kind=1 new=3", "kind=1 new=2", "kind=1 new=1",
+                                            "kind=1 new=6", "kind=1 new=5", "kind=1 new=4"}));
 }
 
 TEST(ChangeDictionary, IsSharedByThoseThatWantTheSame) {

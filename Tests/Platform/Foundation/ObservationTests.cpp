@@ -187,6 +187,25 @@ TEST(Observations, EndInsideACallThatTheyBeganInTurn) {
   EXPECT_EQ(calls, 3);
 }
 
+TEST(Observations, EndInsideAnyNumberOfTheirCalls) {
+  for (int depth = 1; depth <= 24; ++depth) {
+    const WatchedPerson ann = WatchedPerson::new_();
+    int calls = 0;
+    const auto held = std::make_shared<int>(0);
+    Observation watching;
+    watching = observe<int>(ann, "age"_ns, [&, held](int, int now) {
+      ++calls;
+      if (now < depth) ann->setAge(now + 1);
+      if (now == depth) watching.reset();
+      EXPECT_EQ(held.use_count(), 2);
+    });
+    ann->setAge(1);
+    EXPECT_EQ(held.use_count(), 1);
+    ann->setAge(99);
+    EXPECT_EQ(calls, depth);
+  }
+}
+
 TEST(Observations, ThatEndDuringAChangeAreNotToldOfIt) {
   const WatchedPerson ann = WatchedPerson::new_();
   int calls = 0;

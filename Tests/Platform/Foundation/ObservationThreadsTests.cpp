@@ -180,6 +180,56 @@ TEST(ObservationThreads, ResetInsideItsOwnCallWaitsForNobody) {
   ann->setAge(3);  // would raise: the event has happened
 }
 
+TEST(ObservationThreads, ResetWaitsForNestedCallsOnOtherThreads) {
+  for (const int depth : {1, 7, 8, 9, 24}) {
+    const WatchedPerson ann = WatchedPerson::new_();
+    Event inside;
+    Event leave;
+    int finished = 0;
+    Observation watching = observe<int>(ann, "age"_ns, [&](int, int now) {
+      if (now < depth) ann->setAge(now + 1);
+      if (now == depth) {
+        inside.happen();
+        leave.await();
+        dawdle();
+      }
+      ++finished;
+    });
+    std::thread changer([&] { ann->setAge(1); });
+    inside.await();
+    leave.happen();
+    watching.reset();
+    EXPECT_EQ(finished, depth);
+    changer.join();
+  }
+}
+
+TEST(ObservationThreads, NoCallBeginsAfterResetWhileOthersComeAndGo) {
+  const WatchedPerson ann = WatchedPerson::new_();
+  std::atomic<int> late{0};
+  for (int round = 0; round < 50; ++round) {
+    auto over = std::make_unique<std::atomic<bool>>(false);
+    Observation watching =
+        observe<bool>(ann, "tall"_ns, [&late, flag = over.get()](bool, bool) { late += *flag; });
+    const Observation other = observe<bool>(ann, "tall"_ns, [](bool, bool) {});
+    std::vector<std::thread> changers;
+    for (int t = 0; t < 3; ++t) {
+      changers.emplace_back([&ann] {
+        for (int i = 0; i < 50; ++i) {
+          willChangeValueForKey(ann, "tall"_ns);
+          didChangeValueForKey(ann, "tall"_ns);
+        }
+      });
+    }
+    std::this_thread::yield();
+    watching.reset();
+    *over = true;
+    over.reset();
+    for (std::thread& changer : changers) changer.join();
+  }
+  EXPECT_EQ(late, 0);
+}
+
 TEST(ObservationThreads, EndWhileTheObjectEnds) {
   for (int round = 0; round < 200; ++round) {
     WatchedPerson ann = WatchedPerson::new_();

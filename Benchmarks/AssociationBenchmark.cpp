@@ -51,13 +51,16 @@ void countBesideAnotherThread(benchmark::State& state) {
   CPU_ZERO(&all);
   for (std::size_t cpu = 0; cpu < CPU_SETSIZE; ++cpu) CPU_SET(cpu, &all);
   sched_setaffinity(0, sizeof all, &all);
-  std::atomic<bool> stop{false};
+  // On a line of its own: the loop below writes to this stack.
+  struct alignas(128) {
+    std::atomic<bool> now{false};
+  } stop;
   std::thread other([&stop] {
     const NSObject object = objectWithValues();
-    while (!stop) benchmark::DoNotOptimize(kCount.get(object));
+    while (!stop.now) benchmark::DoNotOptimize(kCount.get(object));
   });
   readValue(state, objectWithValues(), kCount);
-  stop = true;
+  stop.now = true;
   other.join();
   sched_setaffinity(0, sizeof before, &before);
 }

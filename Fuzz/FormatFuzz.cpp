@@ -18,7 +18,7 @@ using namespace brindle::internal;
 
 namespace {
 
-void describe(Text& target, const void*) { target.append(TextView::utf16(u"\u4E2D\U0001F600")); }
+void describe(TextBuilder& target, const void*) { target.append(TextView::utf16(u"\u4E2D\U0001F600")); }
 
 }  // namespace
 
@@ -38,8 +38,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                       chosen(data[1] & 15U)};
   const std::size_t count = data[1] >> 6U;
   const Text format = textFromUtf8Replacing({reinterpret_cast<const char*>(data) + 2, size - 2});
-  const Text filled = formatText(format, {arguments, count}, describe);
+  TextBuilder filled;
+  formatText(filled, format, {arguments, count}, describe);
   // The longest conversion: a number of some 310 digits with the greatest precision.
-  if (filled.size() > format.size() * (kMaximumFormatField + 400)) std::abort();
+  if (filled.view().size() > format.size() * (kMaximumFormatField + 400)) std::abort();
   return 0;
 }

@@ -17,17 +17,6 @@ id associated(ObjectRecord* object, const void* key) {
   return objc_getAssociatedObject(lent.reference, key);
 }
 
-/// The bits of an integer or truth value, where a message to it would answer nothing else.
-bool peekInteger(ObjectRecord* object, const void* key, std::uint64_t& bits) {
-  return numbersArePlain() &&
-         peekAssociatedObject(
-             object, key,
-             [](const ObjectRecord* value, void* result) {
-               return readPlainInteger(value, *static_cast<std::uint64_t*>(result));
-             },
-             &bits);
-}
-
 }  // namespace
 
 void objc_setAssociatedBool(ObjectRecord* object, const void* key, BOOL value) {
@@ -35,8 +24,9 @@ void objc_setAssociatedBool(ObjectRecord* object, const void* key, BOOL value) {
 }
 
 BOOL objc_getAssociatedBool(ObjectRecord* object, const void* key) {
+  if (!hasAssociations(object)) return NO;
   std::uint64_t bits = 0;
-  if (peekInteger(object, key, bits)) return bits != 0 ? YES : NO;
+  if (readAssociatedInteger(object, key, bits)) return bits != 0 ? YES : NO;
   return send<"boolValue", bool>(associated(object, key)) ? YES : NO;
 }
 
@@ -45,8 +35,9 @@ void objc_setAssociatedInteger(ObjectRecord* object, const void* key, NSInteger 
 }
 
 NSInteger objc_getAssociatedInteger(ObjectRecord* object, const void* key) {
+  if (!hasAssociations(object)) return 0;
   std::uint64_t bits = 0;
-  if (peekInteger(object, key, bits)) return static_cast<NSInteger>(bits);
+  if (readAssociatedInteger(object, key, bits)) return static_cast<NSInteger>(bits);
   return send<"integerValue", NSInteger>(associated(object, key));
 }
 
@@ -55,8 +46,9 @@ void objc_setAssociatedUnsignedInteger(ObjectRecord* object, const void* key, NS
 }
 
 NSUInteger objc_getAssociatedUnsignedInteger(ObjectRecord* object, const void* key) {
+  if (!hasAssociations(object)) return 0;
   std::uint64_t bits = 0;
-  if (peekInteger(object, key, bits)) return bits;
+  if (readAssociatedInteger(object, key, bits)) return bits;
   return send<"unsignedIntegerValue", NSUInteger>(associated(object, key));
 }
 

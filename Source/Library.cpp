@@ -9,6 +9,7 @@
 
 #include "Source/Internal/Categories.h"
 #include "Source/Internal/DateRange.h"
+#include "Source/Internal/LocalizedWords.h"
 
 namespace brindle {
 namespace {
@@ -39,6 +40,7 @@ constexpr const CategoryDefinition* kCategories[] = {
 [[gnu::constructor]] void attachBrindle() {
   attachImage({.classes = kClasses, .categories = kCategories});
   internal::watchDateRangeMethods();
+  internal::watchBundleMethods();
 }
 
 }  // namespace

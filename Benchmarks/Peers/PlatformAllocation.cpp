@@ -1,4 +1,6 @@
 // Allocation where only the platform is loaded, and not the library that puts layers before it.
+#include <cstdio>
+
 #include <Brindle/Platform/NSObject.h>
 
 #include "../VirtualCall.h"
@@ -21,15 +23,16 @@ int main(int argc, char**) {
     receiver = std::make_unique<brindle::bench::Keeper>();
   else
     receiver = std::make_unique<brindle::bench::Constant>();
-  PEER_MEASURE("platform alone", 1, allocInitRelease());
-  PEER_MEASURE("platform alone, and 10 virtual calls", 1, {
-    allocInitRelease();
-    for (int i = 0; i < 10; ++i) {
-      brindle::bench::Virtual* called = receiver.get();
-      PEER_TOUCH(called);
-      int number = called->number();
-      PEER_TOUCH(number);
-    }
+  double alone = 0;
+  double call = 0;
+  PEER_TIME(alone, 1, allocInitRelease());
+  PEER_TIME(call, 1, {
+    brindle::bench::Virtual* called = receiver.get();
+    PEER_TOUCH(called);
+    int number = called->number();
+    PEER_TOUCH(number);
   });
+  std::printf("platform alone\t%.4f\n", alone);
+  std::printf("platform alone, and 10 virtual calls\t%.4f\n", alone + 10 * call);
   return 0;
 }

@@ -5,6 +5,7 @@
 #include "Platform/Foundation/Internal/BundleLayout.h"
 #include "Platform/Foundation/Internal/StringAccess.h"
 #include "Platform/Foundation/Internal/StringsTable.h"
+#include "Platform/Runtime/Internal/Life.h"
 
 namespace brindle::detail {
 namespace {
@@ -17,14 +18,26 @@ std::size_t startOf(NSUInteger hash, std::size_t slots) noexcept {
   return (hash * 0x9E3779B97F4A7C15U >> 32U) & (slots - 1);
 }
 
+/// A string of the library's remembers its hash.
+NSUInteger hashOf(const NSString& string, const TextView& text) {
+  if (!isLibraryString(string.record())) return text.hash();
+  const std::size_t known = contentsOf(string.record()).hash.load(std::memory_order_relaxed);
+  return known != 0 ? known : send<"hash", NSUInteger>(string);
+}
+
 constexpr const NSString& kStandardName = "Localizable"_ns;
 
 }  // namespace
 
-NSUInteger textHash(const NSString& string) {
-  if (!isLibraryString(string.record())) return StringText(string).view().hash();
-  const std::size_t known = contentsOf(string.record()).hash.load(std::memory_order_relaxed);
-  return known != 0 ? known : send<"hash", NSUInteger>(string);
+inline const WordTable::Entry* WordTable::find(NSUInteger hash,
+                                               const TextView& key) const noexcept {
+  if (slots_.empty()) return nullptr;
+  for (std::size_t slot = startOf(hash, slots_.size()); slots_[slot] != kEmpty;
+       slot = (slot + 1) & (slots_.size() - 1)) {
+    const Entry& entry = entries_[slots_[slot]];
+    if (entry.hash == hash && entry.text == key) return &entry;
+  }
+  return nullptr;
 }
 
 void WordTable::addFile(const std::string& path) {
@@ -35,7 +48,10 @@ void WordTable::addFile(const std::string& path) {
   for (auto entry = read->rbegin(); entry != read->rend(); ++entry) {
     const NSUInteger hash = entry->key.view().hash();
     if (find(hash, entry->key) != nullptr) continue;
-    entries_.push_back({hash, makeString(entry->key), makeString(entry->value)});
+    const NSString word = makeString(entry->value);
+    makeImmortal(word.record());  // lent to many, who count nothing
+    const NSString key = makeString(entry->key);
+    entries_.push_back({hash, key, textIn(contentsOf(key.record())), word});
     if (slots_.size() < entries_.size() * 2) {
       slots_.assign(slots_.empty() ? 16 : slots_.size() * 2, kEmpty);
       for (std::size_t i = 0; i < entries_.size(); ++i) occupySlot(i);
@@ -51,21 +67,10 @@ void WordTable::occupySlot(std::size_t entry) noexcept {
   slots_[slot] = static_cast<std::uint32_t>(entry);
 }
 
-const WordTable::Entry* WordTable::find(NSUInteger hash, const TextView& key) const noexcept {
-  if (slots_.empty()) return nullptr;
-  for (std::size_t slot = startOf(hash, slots_.size()); slots_[slot] != kEmpty;
-       slot = (slot + 1) & (slots_.size() - 1)) {
-    const Entry& entry = entries_[slots_[slot]];
-    if (entry.hash == hash && textIn(contentsOf(entry.key.record())) == key) return &entry;
-  }
-  return nullptr;
-}
-
 const NSString* WordTable::find(const NSString& key) const {
   if (slots_.empty()) return nullptr;
-  const NSUInteger hash = textHash(key);
-  const Entry* entry = isLibraryString(key.record()) ? find(hash, textIn(contentsOf(key.record())))
-                                                     : find(hash, StringText(key));
+  const StringText text(key);
+  const Entry* entry = find(hashOf(key, text), text);
   return entry == nullptr ? nullptr : &entry->word;
 }
 

@@ -173,7 +173,7 @@ constexpr MethodDefinition kMethods[] = {
       return detail::makeArray({part.begin(), part.end()});
     }),
     method<"componentsJoinedByString:">([](const NSArray& self, const NSString& separator) {
-      internal::Text text;
+      internal::TextBuilder text;
       internal::Text between;  // a copy: the members' descriptions may be a client's
       between.append(detail::StringText(separator).view());
       bool first = true;

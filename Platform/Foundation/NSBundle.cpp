@@ -17,6 +17,7 @@
 #include "Platform/Foundation/Internal/PreferredLanguages.h"
 #include "Platform/Foundation/Internal/PropertyListObjects.h"
 #include "Platform/Foundation/Internal/StringAccess.h"
+#include "Platform/Runtime/Internal/Life.h"
 
 namespace brindle {
 namespace {
@@ -50,7 +51,10 @@ NSBundle keep(const NSBundle& bundle, BundleLayout layout, std::string program) 
   fields.program = std::move(program);
   const std::unique_lock lock(registry().mutex);
   const auto [place, isNew] = registry().byPath.emplace(fields.layout.path, bundle);
-  if (isNew) registry().inOrder.push_back(bundle);
+  if (isNew) {
+    detail::makeImmortal(bundle.record());  // whoever asks for it counts nothing
+    registry().inOrder.push_back(bundle);
+  }
   return place->second;
 }
 

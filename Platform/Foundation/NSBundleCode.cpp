@@ -8,6 +8,7 @@
 
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/NSBundle.h>
+#include <Brindle/Platform/PlainBundle.h>
 #include <Brindle/Platform/Runtime.h>
 
 #include "Platform/Foundation/Internal/BundleAccess.h"
@@ -29,7 +30,7 @@ struct TextHash {
 /// An identifier whose bundle is settled: its code is never unloaded, so no other comes before it.
 struct Settled {
   NSString identifier;
-  NSUInteger hash;
+  internal::TextView text;  // the identifier's
   NSBundle bundle;
   const Settled* next;
 };
@@ -66,17 +67,10 @@ NSBundle bundleOfImage(const std::string& image) {
 }
 
 const Settled* findSettled(const LoadedCode& code, const NSString& identifier) {
+  const detail::StringText text(identifier);
   const Settled* settled = code.settled.load(std::memory_order_acquire);
-  if (settled == nullptr) return nullptr;
-  const NSUInteger hash = detail::textHash(identifier);
-  for (; settled != nullptr; settled = settled->next) {
-    if (settled->hash != hash) continue;
-    if (detail::textIn(detail::contentsOf(settled->identifier.record())) ==
-        detail::StringText(identifier)) {
-      return settled;
-    }
-  }
-  return nullptr;
+  while (settled != nullptr && settled->text != text) settled = settled->next;
+  return settled;
 }
 
 // The first for an identifier counts.
@@ -87,7 +81,8 @@ void note(LoadedCode& code, const NSBundle& bundle, bool stays) {
       code.byIdentifier.emplace(internal::Text(detail::StringText(identifier)), bundle).second;
   if (!isFirst || !stays || findSettled(code, identifier) != nullptr) return;
   const NSString kept = detail::makeString(detail::StringText(identifier));
-  code.settled.store(new Settled{kept, detail::textHash(kept), bundle, code.settled.load()},
+  code.settled.store(new Settled{kept, detail::textIn(detail::contentsOf(kept.record())), bundle,
+                                 code.settled.load()},
                      std::memory_order_release);
 }
 
@@ -210,6 +205,11 @@ constexpr MethodDefinition kMethods[] = {
 };
 
 }  // namespace
+
+const NSBundle* settledBundle(const NSString& identifier) {
+  const Settled* settled = identifier ? findSettled(loadedCode(), identifier) : nullptr;
+  return settled != nullptr ? &settled->bundle : nullptr;
+}
 
 namespace detail {
 

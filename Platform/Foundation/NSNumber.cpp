@@ -35,7 +35,7 @@ NSNumber make(NumberValue value) {
 
 NSNumber immortal(NumberValue value) {
   NSNumber number = make(value);
-  number.record()->count.store(detail::kCountImmortal, std::memory_order_relaxed);
+  detail::makeImmortal(number.record());
   return number;
 }
 

@@ -31,7 +31,11 @@ struct Fields : detail::StringContents {
   void dropUnits() noexcept {
     if (ownsUnits) std::free(const_cast<void*>(units));  // NOLINT: from malloc
     ownsUnits = false;
-    std::free(const_cast<char*>(utf8.exchange(nullptr)));  // NOLINT: from malloc
+    // Nobody else has it while it is made or ends: no exchange, which would cost as much as the rest.
+    if (const char* bytes = utf8.load(std::memory_order_acquire)) {
+      std::free(const_cast<char*>(bytes));  // NOLINT: from malloc
+      utf8.store(nullptr, std::memory_order_relaxed);
+    }
     hash.store(0, std::memory_order_relaxed);
   }
 };
@@ -172,40 +176,14 @@ NSString::operator std::string() const { return internal::utf8FromText(detail::S
 
 std::ostream& operator<<(std::ostream& stream, const id& object) {
   if (!object) return stream << "(null)";
-  Text text;
+  internal::TextBuilder text;
   detail::describeObject(text, object.record());
   return stream << internal::utf8FromText(text);
 }
 
 namespace detail {
 
-StringContents& contentsOf(ObjectRecord* record) noexcept {
-  return static_cast<StringRecord*>(record)->contents;
-}
-
-bool isLibraryString(ObjectRecord* record) noexcept {
-  const ClassRecord* cls = record->isa.load(std::memory_order_acquire);
-  return cls == &NSString::classPair.cls || cls == &NSMutableString::classPair.cls;
-}
-
-bool isImmutableLibraryString(ObjectRecord* record) noexcept {
-  return record->isa.load(std::memory_order_acquire) == &NSString::classPair.cls;
-}
-
-TextView textIn(const StringContents& contents) noexcept {
-  if (contents.isWide) {
-    return TextView::utf16({static_cast<const char16_t*>(contents.units), contents.length});
-  }
-  return TextView::latin1({static_cast<const char*>(contents.units), contents.length});
-}
-
-StringText::StringText(const NSString& string) {
-  ObjectRecord* record = string.record();
-  if (record == nullptr) return;
-  if (isLibraryString(record)) {
-    view_ = textIn(contentsOf(record));
-    return;
-  }
+void StringText::gather(const NSString& string) {
   gathered_.resize(string->length());
   string->getCharacters(gathered_.data(), {0, gathered_.size()});
   view_ = TextView::utf16(gathered_);

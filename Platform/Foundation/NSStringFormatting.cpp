@@ -11,12 +11,16 @@
 namespace brindle {
 namespace {
 
-using internal::Text;
 using internal::TextView;
 
-Text filled(const NSString& format, FormatArguments arguments) {
-  return internal::formatText(detail::StringText(format), arguments.list, &detail::describeObject);
-}
+/// The text of a filled format.
+class Filled : public internal::TextBuilder {
+ public:
+  Filled(const NSString& format, FormatArguments arguments) {
+    internal::formatText(*this, detail::StringText(format), arguments.list,
+                         &detail::describeObject);
+  }
+};
 
 NSString plainDescription(const id& self) {
   return NSString::stringWithFormat("<%@: %p>"_ns, NSStringFromClass(classOf(self)), self);
@@ -26,18 +30,19 @@ constexpr MethodDefinition kStringMethods[] = {
     classMethod<"stringWithFormat:">([](const Class& self, Cmd cmd, const NSString& format,
                                         const FormatArguments& arguments) -> id {
       detail::requireArgument(self, cmd.selector, format);
-      return detail::makeStringOfClass(self, filled(format, arguments));
+      return detail::makeStringOfClass(self, Filled(format, arguments));
     }),
     method<"initWithFormat:">([](const NSString& self, Cmd cmd, const NSString& format,
                                  const FormatArguments& arguments) -> id {
       detail::requireArgument(self, cmd.selector, format);
-      return self->initWithString(detail::makeString(filled(format, arguments)));
+      return self->initWithString(detail::makeString(Filled(format, arguments)));
     }),
     method<"stringByAppendingFormat:">([](const NSString& self, Cmd cmd, const NSString& format,
                                           const FormatArguments& arguments) {
       detail::requireArgument(self, cmd.selector, format);
-      Text text(detail::StringText(self).view());
-      text.append(filled(format, arguments));
+      internal::TextBuilder text;
+      text.append(detail::StringText(self).view());
+      text.append(Filled(format, arguments));
       return detail::makeString(text);
     }),
 };
@@ -68,10 +73,10 @@ constinit const CategoryDefinition kNSProxyDescriptions{
     .name = "NSProxyDescriptions", .cls = &NSProxy::classPair.cls, .methods = kProxyMethods};
 
 NSString formatString(const NSString& format, std::span<const FormatArgument> arguments) {
-  return makeString(filled(format, {arguments}));
+  return makeString(Filled(format, {arguments}));
 }
 
-void describeObject(Text& target, const void* object) {
+void describeObject(internal::TextBuilder& target, const void* object) {
   // Lent by the caller for as long as this takes.
   auto* record = static_cast<ObjectRecord*>(const_cast<void*>(object));  // NOLINT
   const Lent<id> lent(record);

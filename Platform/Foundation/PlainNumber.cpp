@@ -2,12 +2,14 @@
 
 #include <atomic>
 
+#include <Brindle/Platform/AssociationPeek.h>
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/MethodChanges.h>
 #include <Brindle/Platform/NSNumber.h>
 
 #include "Platform/Foundation/Internal/NumberKind.h"
 #include "Platform/Foundation/Internal/PlainNumberWatch.h"
+#include "Platform/Runtime/Internal/ClassAssociation.h"
 
 namespace brindle {
 namespace {
@@ -40,6 +42,24 @@ bool readPlainInteger(const ObjectRecord* number, std::uint64_t& bits) noexcept 
   if (value.kind == detail::NumberValue::Kind::real) return false;
   bits = value.bits;
   return true;
+}
+
+bool readAssociatedInteger(ObjectRecord* object, const void* key, std::uint64_t& bits) noexcept {
+  if (!hasAssociations(object) || !numbersArePlain()) return false;
+  // A class's at once, as most are.
+  if ((object->flags.load(std::memory_order_relaxed) & detail::kFlagClass) != 0) {
+    const detail::ClassAssociation* slot = detail::classAssociation(object, key);
+    ObjectRecord* value = nullptr;
+    if (slot != nullptr && slot->tells(value)) {
+      return value != nullptr && readPlainInteger(value, bits);
+    }
+  }
+  return peekAssociatedObject(
+      object, key,
+      [](const ObjectRecord* value, void* result) {
+        return readPlainInteger(value, *static_cast<std::uint64_t*>(result));
+      },
+      &bits);
 }
 
 }  // namespace brindle

@@ -18,4 +18,9 @@ BRINDLE_PLATFORM_EXPORT bool numbersArePlain() noexcept;
 BRINDLE_PLATFORM_EXPORT bool readPlainInteger(const ObjectRecord* number,
                                               std::uint64_t& bits) noexcept;
 
+/// The same of the value that the object has under the key, read where it lies. False also when
+/// there is none, and while messages to numbers might answer something else.
+BRINDLE_PLATFORM_EXPORT bool readAssociatedInteger(ObjectRecord* object, const void* key,
+                                                   std::uint64_t& bits) noexcept;
+
 }  // namespace brindle

@@ -16,27 +16,15 @@
 #include <Brindle/Platform/AssociationPeek.h>
 #include <Brindle/Platform/NSObject.h>
 
+#include "Platform/Runtime/Internal/ClassAssociation.h"
 #include "Platform/Runtime/Internal/ClassData.h"
 #include "Platform/Runtime/Internal/Life.h"
 #include "Platform/Runtime/Internal/SpinLock.h"
 
 namespace brindle {
-namespace detail {
-
-/// One key of one class. Never freed; its value is changed under the class's stripe.
-struct ClassAssociation {
-  const void* key;
-  ClassAssociation* next;
-  // Null for no value, an immortal one, or the slot itself for one that is read under the lock.
-  std::atomic<void*> published{nullptr};
-  ObjectRecord* object = nullptr;
-  bool owned = false;
-};
-
-}  // namespace detail
-
 namespace {
 
+using detail::classAssociation;
 using detail::ClassAssociation;
 using detail::ClassData;
 
@@ -219,14 +207,6 @@ bool isClass(const ObjectRecord* object) noexcept {
   return (object->flags.load(std::memory_order_relaxed) & detail::kFlagClass) != 0;
 }
 
-ClassAssociation* slotOf(ObjectRecord* object, const void* key) noexcept {
-  const ClassData* data = static_cast<ClassRecord*>(object)->data.load(std::memory_order_acquire);
-  if (data == nullptr) return nullptr;
-  ClassAssociation* slot = data->associations.load(std::memory_order_acquire);
-  while (slot != nullptr && slot->key != key) slot = slot->next;
-  return slot;
-}
-
 ClassAssociation& addSlotLocked(ClassData& data, const void* key) {
   auto* slot =
       new ClassAssociation{key, data.associations.load(std::memory_order_relaxed), {}, {}, {}};
@@ -249,7 +229,7 @@ id exchangeLocked(ClassAssociation& slot, ObjectRecord* object, bool owned) noex
 id exchangeOfClass(ObjectRecord* object, const Value& value) {
   ClassData& data = *detail::realized(static_cast<ClassRecord*>(object));
   const std::lock_guard guard(stripeOf(object).lock);
-  ClassAssociation* slot = slotOf(object, value.key);
+  ClassAssociation* slot = classAssociation(object, value.key);
   if (slot == nullptr) {
     if (value.object == nullptr) return nullptr;
     slot = &addSlotLocked(data, value.key);
@@ -259,11 +239,11 @@ id exchangeOfClass(ObjectRecord* object, const Value& value) {
 }
 
 id valueOfClass(ObjectRecord* object, const void* key) {
-  ClassAssociation* slot = slotOf(object, key);
+  ClassAssociation* slot = classAssociation(object, key);
   if (slot == nullptr) return nullptr;
-  void* published = slot->published.load(std::memory_order_acquire);
+  ObjectRecord* value = nullptr;
   // What is immortal is not counted.
-  if (published != slot) return adopt<id>(static_cast<ObjectRecord*>(published));
+  if (slot->tells(value)) return adopt<id>(value);
   const std::lock_guard guard(stripeOf(object).lock);
   return borrow<id>(slot->object);
 }
@@ -318,17 +298,13 @@ id objc_getAssociatedObject(const id& object, const void* key) {
 
 bool peekAssociatedObject(ObjectRecord* object, const void* key,
                           bool (*look)(const ObjectRecord*, void*), void* result) {
-  if (object == nullptr) return false;
-  const std::uint32_t flags = flagsOf(object);
-  if ((flags & detail::kFlagAssociations) == 0) return false;
+  if (!hasAssociations(object)) return false;
   const ClassAssociation* slot = nullptr;
-  if ((flags & detail::kFlagClass) != 0) {
-    slot = slotOf(object, key);
+  if (isClass(object)) {
+    slot = classAssociation(object, key);
     if (slot == nullptr) return false;
-    const void* published = slot->published.load(std::memory_order_acquire);
-    if (published != slot) {
-      return published != nullptr && look(static_cast<const ObjectRecord*>(published), result);
-    }
+    ObjectRecord* value = nullptr;
+    if (slot->tells(value)) return value != nullptr && look(value, result);
   }
   Stripe& stripe = stripeOf(object);
   const std::lock_guard guard(stripe.lock);

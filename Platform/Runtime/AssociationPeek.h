@@ -9,6 +9,12 @@
 
 namespace brindle {
 
+/// Whether the object may have associated values; false for nil. One load.
+inline bool hasAssociations(const ObjectRecord* object) noexcept {
+  return object != nullptr &&
+         (object->flags.load(std::memory_order_acquire) & detail::kFlagAssociations) != 0;
+}
+
 /// Calls `look` with the value that the object has under the key, and `result`, while nobody can
 /// replace it. Answers what `look` answers, and false when there is no value. `look` is a few
 /// instructions: it sends no message, takes no lock and owns nothing.

@@ -87,7 +87,7 @@ NSMethodSignature signatureObject(const char* types) {
   auto made = adopt<NSMethodSignature>(createInstance(&NSMethodSignature::classPair.cls, 0));
   fieldsOf<Fields>(made).data = data;
   // Immortal before anybody finds it: whoever does counts nothing.
-  made.record()->count.store(kCountImmortal, std::memory_order_relaxed);
+  makeImmortal(made.record());
   if (data->object.compare_exchange_strong(known, made.record(), std::memory_order_acq_rel)) {
     return made;
   }

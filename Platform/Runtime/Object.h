@@ -81,8 +81,12 @@ inline ObjectRecord* retained(ObjectRecord* record) {
 
 /// One owner less; true when it was the last.
 inline bool dropCount(ObjectRecord* record) noexcept {
-  if (record->count.load(std::memory_order_relaxed) >= kCountImmortal) [[unlikely]]
+  const std::uint32_t count = record->count.load(std::memory_order_acquire);
+  if (count >= kCountImmortal) [[unlikely]]
     return false;
+  // The only owner needs no exclusive access, which would cost more than the rest, when no weak
+  // reference can make another owner meanwhile.
+  if (count == 1 && (record->flags.load(std::memory_order_relaxed) & kFlagWeak) == 0) return true;
   return record->count.fetch_sub(1, std::memory_order_acq_rel) == 1;
 }
 

@@ -10,6 +10,9 @@ namespace brindle::internal {
 /// that a subclass in another bundle finds its own. Looked up anew at each call.
 NSString localizedString(const Class& receiver, const NSString& key);
 
+/// The methods of NSBundle are nobody's but the libraries' now. Called when they are attached.
+void watchBundleMethods();
+
 /// The identifier of the library's own bundle.
 extern const NSString& kBundleIdentifier;
 

@@ -14,9 +14,6 @@
 
 namespace brindle::detail {
 
-/// The hash of the string's text; at once for one that remembers it.
-NSUInteger textHash(const NSString& string);
-
 /// Keys and their words. Read by any thread once it is filled.
 class WordTable {
  public:
@@ -33,6 +30,7 @@ class WordTable {
   struct Entry {
     NSUInteger hash;
     NSString key;
+    internal::TextView text;  // the key's
     NSString word;
   };
   [[nodiscard]] const Entry* find(NSUInteger hash, const internal::TextView& key) const noexcept;
@@ -59,6 +57,7 @@ class BundleStrings {
 
   /// The table of that name; the one named Localizable for nil and "". Empty when there is none.
   const WordTable& table(const NSString& name);
+  const WordTable& standardTable();
 
  private:
   struct Named {
@@ -66,7 +65,6 @@ class BundleStrings {
     WordTable table;
     const Named* next;
   };
-  const WordTable& standardTable();
   const WordTable& tableNamed(const NSString& name);
   [[nodiscard]] const Named* findNamed(const internal::TextView& name) const noexcept;
 

@@ -138,8 +138,11 @@ bool FormatParser::takePlainConversion() noexcept {
 }
 
 bool FormatParser::takeConversion() noexcept {
-  found_ = {};
-  if (takePlainConversion()) return true;
+  if (hasDetails_) found_ = {};
+  hasDetails_ = false;
+  isPlain_ = takePlainConversion();
+  if (isPlain_) return true;
+  hasDetails_ = true;
   std::size_t argument = 0;
   const bool hasPosition = takePosition(argument);
   takeFlags();

@@ -53,6 +53,8 @@ class FormatParser {
 
   [[nodiscard]] TextView text() const noexcept { return text_; }
   [[nodiscard]] const FormatSpecification& specification() const noexcept { return found_; }
+  /// Whether the conversion is one of "%@", "%d" and "%i", with nothing before its letter.
+  [[nodiscard]] bool isPlain() const noexcept { return isPlain_; }
 
  private:
   [[nodiscard]] char16_t peek() const noexcept;
@@ -71,6 +73,8 @@ class FormatParser {
   std::size_t nextArgument_ = 0;
   TextView text_;
   FormatSpecification found_;
+  bool isPlain_ = false;
+  bool hasDetails_ = false;  // whether more than the letter and the argument may be set
 };
 
 }  // namespace brindle::internal

@@ -95,9 +95,7 @@ std::size_t TextView::hash() const noexcept {
                     kWideSeed);
 }
 
-bool operator==(TextView a, TextView b) noexcept {
-  if (a.size() != b.size()) return false;
-  if (a.narrow_ && b.narrow_) return a.bytes_ == b.bytes_;
+bool TextView::haveEqualUnits(TextView a, TextView b) noexcept {
   if (!a.narrow_ && !b.narrow_) return a.units_ == b.units_;
   return a.visit([b](auto left) {
     return b.visit([left](auto right) {
@@ -139,22 +137,8 @@ Text Text::utf16(std::u16string units) {
   return text;
 }
 
-TextView Text::view() const noexcept {
-  if (const auto* bytes = std::get_if<std::string>(&storage_)) return TextView::latin1(*bytes);
-  return TextView::utf16(*std::get_if<std::u16string>(&storage_));
-}
-
 void Text::reserve(std::size_t count) {
   std::visit([count](auto& storage) { storage.reserve(count); }, storage_);
-}
-
-void Text::append(TextView text) {
-  auto* bytes = std::get_if<std::string>(&storage_);
-  if (bytes != nullptr && text.isNarrow()) {
-    bytes->append(text.bytes());
-  } else {
-    replace({size(), 0}, text);
-  }
 }
 
 void Text::append(char16_t unit) { append(1, unit); }

@@ -83,13 +83,18 @@ class TextView {
   [[nodiscard]] std::size_t hash() const noexcept;
 
   /// Whether the units are the same.
-  friend bool operator==(TextView a, TextView b) noexcept;
+  friend bool operator==(TextView a, TextView b) noexcept {
+    if (a.size() != b.size()) return false;
+    return a.narrow_ && b.narrow_ ? a.bytes_ == b.bytes_ : haveEqualUnits(a, b);
+  }
   /// The order of the units.
   friend std::strong_ordering operator<=>(TextView a, TextView b) noexcept;
 
  private:
   constexpr explicit TextView(std::string_view bytes) noexcept : bytes_(bytes) {}
   constexpr explicit TextView(std::u16string_view units) noexcept : units_(units), narrow_(false) {}
+  /// Of texts of one size, not both narrow.
+  static bool haveEqualUnits(TextView a, TextView b) noexcept;
 
   union {
     std::string_view bytes_;
@@ -109,14 +114,24 @@ class Text {
   static Text utf16(std::u16string units);
 
   operator TextView() const noexcept { return view(); }
-  [[nodiscard]] TextView view() const noexcept;
+  [[nodiscard]] TextView view() const noexcept {
+    if (const auto* bytes = std::get_if<std::string>(&storage_)) return TextView::latin1(*bytes);
+    return TextView::utf16(*std::get_if<std::u16string>(&storage_));
+  }
   [[nodiscard]] std::size_t size() const noexcept { return view().size(); }
   [[nodiscard]] bool empty() const noexcept { return size() == 0; }
   [[nodiscard]] char16_t operator[](std::size_t index) const noexcept { return view()[index]; }
 
   /// Makes room for `count` units of the present width.
   void reserve(std::size_t count);
-  void append(TextView text);
+  void append(TextView text) {
+    auto* bytes = std::get_if<std::string>(&storage_);
+    if (bytes != nullptr && text.isNarrow()) {
+      bytes->append(text.bytes());
+    } else {
+      replace({size(), 0}, text);
+    }
+  }
   void append(char16_t unit);
   /// Appends `unit` `count` times.
   void append(std::size_t count, char16_t unit);

@@ -104,7 +104,7 @@ unsigned bitsOf(FormatLength length) noexcept {
   }
 }
 
-void appendPadded(Text& target, TextView text, const Job& job) {
+void appendPadded(TextBuilder& target, TextView text, const Job& job) {
   const std::size_t fill = job.width > text.size() ? job.width - text.size() : 0;
   if (!job.spec.leftAligned) target.append(fill, u' ');
   target.append(text);
@@ -112,7 +112,7 @@ void appendPadded(Text& target, TextView text, const Job& job) {
 }
 
 // Sign or prefix, zeros, digits.
-void appendNumber(Text& target, std::string_view prefix, std::string_view digits, const Job& job) {
+void appendNumber(TextBuilder& target, std::string_view prefix, std::string_view digits, const Job& job) {
   std::size_t size = prefix.size() + digits.size();
   std::size_t zeros = 0;
   if (job.precision) {
@@ -129,7 +129,7 @@ void appendNumber(Text& target, std::string_view prefix, std::string_view digits
   if (job.spec.leftAligned) target.append(fill, u' ');
 }
 
-void appendInteger(Text& target, const Job& job) {
+void appendInteger(TextBuilder& target, const Job& job) {
   const auto value = integerOf(*job.argument);
   if (!value) return;
   const char conversion = job.spec.conversion;
@@ -161,7 +161,7 @@ void appendInteger(Text& target, const Job& job) {
   appendNumber(target, prefix, digits, job);
 }
 
-void appendPointer(Text& target, const Job& job) {
+void appendPointer(TextBuilder& target, const Job& job) {
   const FormatArgument& argument = *job.argument;
   if (argument.kind() == Kind::floating) return;
   const auto value =
@@ -171,7 +171,7 @@ void appendPointer(Text& target, const Job& job) {
   appendNumber(target, "0x", {buffer, static_cast<std::size_t>(end - buffer)}, job);
 }
 
-void appendReal(Text& target, const Job& job) {
+void appendReal(TextBuilder& target, const Job& job) {
   const auto value = realOf(*job.argument);
   if (!value) return;
   char format[16];
@@ -201,12 +201,12 @@ void appendReal(Text& target, const Job& job) {
   target.append(TextView::latin1(large));
 }
 
-void appendCharacter(Text& target, const Job& job) {
+void appendCharacter(TextBuilder& target, const Job& job) {
   const auto value = integerOf(*job.argument);
   if (!value) return;
   const bool isWide = job.spec.conversion == 'C' || job.spec.length == FormatLength::l;
   const char32_t character = static_cast<char32_t>(*value & (isWide ? 0x1FFFFF : 0xFF));
-  Text text;
+  TextBuilder text;
   if (character >= 0x10000 && character <= 0x10FFFF) {
     text.append(static_cast<char16_t>(0xD7C0 + (character >> 10)));
     text.append(static_cast<char16_t>(0xDC00 + (character & 0x3FF)));
@@ -226,7 +226,7 @@ TextView cut(TextView text, std::optional<std::size_t> precision) noexcept {
 }
 
 // UTF-8. A precision counts its bytes, and no more of them are read.
-void appendBytes(Text& target, const Job& job) {
+void appendBytes(TextBuilder& target, const Job& job) {
   const auto* bytes = static_cast<const char*>(job.argument->pointer());
   if (bytes == nullptr && job.argument->kind() == Kind::cString) {
     return appendPadded(target, cut(kNull, job.precision), job);
@@ -252,7 +252,7 @@ TextView unitsOf(const char16_t* string, std::optional<std::size_t> precision) n
 }
 
 // "%@", "%s", "%S": whatever the argument is, its text.
-void appendText(Text& target, Job job, DescribeObject describe) {
+void appendText(TextBuilder& target, Job job, DescribeObject describe) {
   const FormatArgument& argument = *job.argument;
   switch (argument.kind()) {
     case Kind::signedInteger:
@@ -285,13 +285,13 @@ void appendText(Text& target, Job job, DescribeObject describe) {
       }
       if (argument.kind() == Kind::pointer) return appendPointer(target, job);
       if (job.width == 0 && !job.precision) return describe(target, argument.pointer());
-      Text text;
+      TextBuilder text;
       describe(text, argument.pointer());
       return appendPadded(target, cut(text, job.precision), job);
   }
 }
 
-void appendConversion(Text& target, const Job& job, DescribeObject describe) {
+void appendConversion(TextBuilder& target, const Job& job, DescribeObject describe) {
   switch (job.spec.conversion) {
     case 'n':
       return;
@@ -344,23 +344,42 @@ Job jobFor(const FormatSpecification& spec, std::span<const FormatArgument> argu
   return job;
 }
 
+// What most formats are made of, without the rest of the work. False: left to that.
+bool appendPlain(TextBuilder& target, char conversion, const FormatArgument& argument,
+                 DescribeObject describe) {
+  if (conversion == '@') {
+    if (argument.kind() != Kind::object || argument.pointer() == nullptr) return false;
+    describe(target, argument.pointer());
+    return true;
+  }
+  if (argument.kind() != Kind::signedInteger && argument.kind() != Kind::unsignedInteger) {
+    return false;
+  }
+  char buffer[12];
+  const auto value = static_cast<std::int32_t>(argument.integer());
+  const char* end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+  target.append(TextView::latin1({buffer, static_cast<std::size_t>(end - buffer)}));
+  return true;
+}
+
 }  // namespace
 
-Text formatText(TextView format, std::span<const FormatArgument> arguments,
+void formatText(TextBuilder& target, TextView format, std::span<const FormatArgument> arguments,
                 DescribeObject describe) {
-  Text result;
-  result.reserve(format.size() + 16);
   FormatParser parser(format);
   for (;;) {
     switch (parser.next()) {
       case FormatParser::Piece::end:
-        return result;
+        return;
       case FormatParser::Piece::text:
-        result.append(parser.text());
+        target.append(parser.text());
         break;
       case FormatParser::Piece::conversion: {
-        const Job job = jobFor(parser.specification(), arguments);
-        if (job.argument != nullptr) appendConversion(result, job, describe);
+        const FormatSpecification& spec = parser.specification();
+        const FormatArgument* argument = argumentAt(arguments, spec.argument);
+        if (argument == nullptr) break;
+        if (parser.isPlain() && appendPlain(target, spec.conversion, *argument, describe)) break;
+        appendConversion(target, jobFor(spec, arguments), describe);
         break;
       }
     }

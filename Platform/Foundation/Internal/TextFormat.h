@@ -9,15 +9,15 @@
 
 #include <span>
 
-#include "Platform/Foundation/Internal/Text.h"
+#include "Platform/Foundation/Internal/TextBuilder.h"
 
 namespace brindle::internal {
 
 /// Appends the text of an object that is not nil.
-using DescribeObject = void (*)(Text& target, const void* object);
+using DescribeObject = void (*)(TextBuilder& target, const void* object);
 
-/// The filled format. Nil and null strings print as "(null)".
-Text formatText(TextView format, std::span<const FormatArgument> arguments,
+/// Appends the filled format. Nil and null strings print as "(null)".
+void formatText(TextBuilder& target, TextView format, std::span<const FormatArgument> arguments,
                 DescribeObject describe);
 
 }  // namespace brindle::internal

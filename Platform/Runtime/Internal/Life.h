@@ -1,9 +1,10 @@
 // The steps in the life of an object that the runtime's units share.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 
-#include <Brindle/Platform/Types.h>
+#include <Brindle/Platform/Object.h>
 
 namespace brindle::detail {
 
@@ -16,6 +17,11 @@ void disposeObject(ObjectRecord* record);
 
 /// The `dealloc` that does nothing but dispose: the root classes' own.
 void setPlainDealloc(IMP dealloc) noexcept;
+
+/// From now on the object is not counted and never ends. Before anybody else finds it.
+inline void makeImmortal(ObjectRecord* record) noexcept {
+  record->count.store(kCountImmortal, std::memory_order_relaxed);
+}
 
 /// Weak references to the object read nil from now on.
 void clearWeakReferences(ObjectRecord* record);

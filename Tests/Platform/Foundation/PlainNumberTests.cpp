@@ -36,6 +36,26 @@ TEST(PlainNumberTest, LeavesEverythingElseToMessages) {
   EXPECT_EQ(bits, 5u);
 }
 
+TEST(PlainNumberTest, ReadsWhatHangsOnAnObject) {
+  const char key = 0;
+  std::uint64_t bits = 5;
+  for (const id& object : {id(NSObject::new_()), id(NSString::class_())}) {
+    EXPECT_FALSE(readAssociatedInteger(object.record(), &key, bits));
+    // Small numbers are immortal, large ones are not.
+    for (const NSInteger value : {NSInteger{3}, NSInteger{1} << 40U}) {
+      objc_setAssociatedObject(object, &key, NSNumber::numberWithInteger(value),
+                               OBJC_ASSOCIATION_RETAIN);
+      ASSERT_TRUE(readAssociatedInteger(object.record(), &key, bits));
+      EXPECT_EQ(static_cast<NSInteger>(bits), value);
+    }
+    for (const id& other : {id("7"_ns), id(NSNumber::numberWithDouble(1.5)), id()}) {
+      objc_setAssociatedObject(object, &key, other, OBJC_ASSOCIATION_RETAIN);
+      EXPECT_FALSE(readAssociatedInteger(object.record(), &key, bits));
+    }
+  }
+  EXPECT_FALSE(readAssociatedInteger(nullptr, &key, bits));
+}
+
 // The last test of the suite: it changes the class for good.
 TEST(PlainNumberTest, NumbersAreNotPlainOnceTheirMethodsChange) {
   EXPECT_TRUE(numbersArePlain());
@@ -47,6 +67,11 @@ TEST(PlainNumberTest, NumbersAreNotPlainOnceTheirMethodsChange) {
       class_getInstanceMethod(NSNumber::class_(), sel_registerName("integerValue"));
   method_setImplementation(method, method_getImplementation(method));
   EXPECT_FALSE(numbersArePlain());
+  const char key = 0;
+  std::uint64_t bits = 0;
+  const NSObject object = NSObject::new_();
+  objc_setAssociatedObject(object, &key, NSNumber::numberWithInteger(3), OBJC_ASSOCIATION_RETAIN);
+  EXPECT_FALSE(readAssociatedInteger(object.record(), &key, bits));
 }
 
 }  // namespace

@@ -17,13 +17,15 @@ namespace brindle::internal {
 namespace {
 
 // Objects of these tests are C strings.
-void describe(Text& target, const void* object) {
+void describe(TextBuilder& target, const void* object) {
   target.append(textFromUtf8Replacing(static_cast<const char*>(object)));
 }
 
 std::string format(std::string_view pattern, std::initializer_list<FormatArgument> arguments) {
   const Text text = textFromUtf8Replacing(pattern);
-  return utf8FromText(formatText(text, {arguments.begin(), arguments.size()}, describe));
+  TextBuilder filled;
+  formatText(filled, text, {arguments.begin(), arguments.size()}, describe);
+  return utf8FromText(filled);
 }
 
 FormatArgument object(const char* description) { return FormatArgument::object(description); }

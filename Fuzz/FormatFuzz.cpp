@@ -18,7 +18,9 @@ using namespace brindle::internal;
 
 namespace {
 
-void describe(TextBuilder& target, const void*) { target.append(TextView::utf16(u"\u4E2D\U0001F600")); }
+void describe(TextBuilder& target, const void*) {
+  target.append(TextView::utf16(u"\u4E2D\U0001F600"));
+}
 
 }  // namespace
 

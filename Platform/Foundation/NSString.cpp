@@ -31,7 +31,8 @@ struct Fields : detail::StringContents {
   void dropUnits() noexcept {
     if (ownsUnits) std::free(const_cast<void*>(units));  // NOLINT: from malloc
     ownsUnits = false;
-    // Nobody else has it while it is made or ends: no exchange, which would cost as much as the rest.
+    // Nobody else has it while it is made or ends: no exchange, which would cost as much as the
+    // rest.
     if (const char* bytes = utf8.load(std::memory_order_acquire)) {
       std::free(const_cast<char*>(bytes));  // NOLINT: from malloc
       utf8.store(nullptr, std::memory_order_relaxed);

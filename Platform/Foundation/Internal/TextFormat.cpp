@@ -112,7 +112,8 @@ void appendPadded(TextBuilder& target, TextView text, const Job& job) {
 }
 
 // Sign or prefix, zeros, digits.
-void appendNumber(TextBuilder& target, std::string_view prefix, std::string_view digits, const Job& job) {
+void appendNumber(TextBuilder& target, std::string_view prefix, std::string_view digits,
+                  const Job& job) {
   std::size_t size = prefix.size() + digits.size();
   std::size_t zeros = 0;
   if (job.precision) {

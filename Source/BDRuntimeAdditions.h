@@ -72,6 +72,16 @@ BRINDLE_EXPORT ClassRecord* objc_allocateClassPairPointer(ClassRecord* superclas
 
 // --- The same with handles and lambdas -----------------------------------------------------------
 
+namespace detail {
+/// Who changed a method is told by where the call returns to: a caller whose last step it is stays
+/// on the stack until then.
+template <class T>
+T notLast(T answer) noexcept {
+  __asm__ volatile("");
+  return answer;
+}
+}  // namespace detail
+
 inline Method class_firstLevelMethod(Class cls, SEL selector) {
   return class_firstLevelMethod(cls.record(), selector);
 }
@@ -88,23 +98,23 @@ inline IMP class_firstLevelCachedMethodImp(Class cls, SEL selector) {
   return class_firstLevelCachedMethodImp(cls.record(), selector);
 }
 inline BOOL class_replaceMethodImp(Class cls, SEL selector, IMP imp) {
-  return class_replaceMethodImp(cls.record(), selector, imp);
+  return detail::notLast(class_replaceMethodImp(cls.record(), selector, imp));
 }
 /// With the body as a lambda that captures nothing, written as in a table of methods.
 template <detail::MethodBody F>
 BOOL class_replaceMethodImp(Class cls, SEL selector, F body) {
-  return class_replaceMethodImp(cls.record(), selector, implementation(body).implementation);
+  return detail::notLast(
+      class_replaceMethodImp(cls.record(), selector, implementation(body).implementation));
 }
 inline BOOL method_swizzle(Class cls, SEL target, SEL replacement) {
-  return method_swizzle(cls.record(), target, replacement);
+  return detail::notLast(method_swizzle(cls.record(), target, replacement));
 }
 inline BOOL class_swizzleMethodAndStore(Class cls, SEL selector, IMP imp, IMP* slot) {
-  return class_swizzleMethodAndStore(cls.record(), selector, imp, slot);
+  return detail::notLast(class_swizzleMethodAndStore(cls.record(), selector, imp, slot));
 }
 template <detail::MethodBody F>
 BOOL class_swizzleMethodAndStore(Class cls, SEL selector, F body, IMP* slot) {
-  return class_swizzleMethodAndStore(cls.record(), selector, implementation(body).implementation,
-                                     slot);
+  return class_swizzleMethodAndStore(cls, selector, implementation(body).implementation, slot);
 }
 inline IMP unswizzleImp(const id& object, SEL selector) {
   return unswizzleImp(object.record(), selector);
@@ -125,16 +135,16 @@ inline ClassRecord* objc_allocateClassPairPointer(Class superclass, const char* 
 /// `method_swizzle` on the class, as the process finds that function by its name: a definition of a
 /// program's or a preloaded library's own takes effect. False for nil.
 inline bool swizzle(Class cls, SEL target, SEL replacement) {
-  return send<"swizzle:with:", bool>(cls, target, replacement);
+  return detail::notLast(send<"swizzle:with:", bool>(cls, target, replacement));
 }
 /// The same on the meta-class registered under the class's name.
 inline bool swizzleClassMethod(Class cls, SEL target, SEL replacement) {
-  return send<"swizzleClassMethod:with:", bool>(cls, target, replacement);
+  return detail::notLast(send<"swizzleClassMethod:with:", bool>(cls, target, replacement));
 }
 
 /// `class_swizzleMethodAndStore` on the class. False for nil.
 inline bool swizzle(Class cls, SEL selector, IMP imp, IMP* slot) {
-  return send<"swizzle:with:store:", bool>(cls, selector, imp, slot);
+  return detail::notLast(send<"swizzle:with:store:", bool>(cls, selector, imp, slot));
 }
 template <detail::MethodBody F>
 bool swizzle(Class cls, SEL selector, F body, IMP* slot) {
@@ -142,7 +152,7 @@ bool swizzle(Class cls, SEL selector, F body, IMP* slot) {
 }
 /// The same on the class's meta-class.
 inline bool swizzleClassMethod(Class cls, SEL selector, IMP imp, IMP* slot) {
-  return send<"swizzleClassMethod:with:store:", bool>(cls, selector, imp, slot);
+  return detail::notLast(send<"swizzleClassMethod:with:store:", bool>(cls, selector, imp, slot));
 }
 template <detail::MethodBody F>
 bool swizzleClassMethod(Class cls, SEL selector, F body, IMP* slot) {

@@ -136,7 +136,11 @@ class ObservationState {
 
    private:
     std::uint32_t begin() noexcept {
-      return mark_.set(&state_) ? state_.calls_.load() : state_.calls_.fetch_add(kCall);
+      if (!mark_.set(state_.markOfCalls())) return state_.calls_.fetch_add(kCall);
+      const void* caller = state_.caller_.load(std::memory_order_acquire);
+      if (caller != mark_.thread() && caller != &state_) [[unlikely]]
+        state_.noteCaller(mark_.thread());
+      return state_.calls_.load();
     }
 
     ObservationState& state_;
@@ -146,6 +150,20 @@ class ObservationState {
   };
 
   ~ObservationState() = default;
+  /// What calls mark: no address that memory begins at. Others mark lists, also some that are gone
+  /// and whose memory may be this; whoever waits for such a mark to go would not be told.
+  [[nodiscard]] const void* markOfCalls() const noexcept {
+    return reinterpret_cast<const char*>(this) + 1;  // NOLINT(*-reinterpret-cast)
+  }
+  void noteCaller(const MarkingThread* thread) noexcept {
+    const void* expected = nullptr;
+    if (!caller_.compare_exchange_strong(expected, thread)) caller_.exchange(this);
+  }
+  /// Whether a call may be marked that this thread does not see. Asked when no more begin.
+  [[nodiscard]] bool isCalledElsewhere() const noexcept {
+    const void* caller = caller_.load();
+    return caller != nullptr && caller != markingThread;
+  }
   void unregister() noexcept;
   /// Destroys the lambda, when no call is left. False when that is for somebody else to do.
   bool finish() noexcept;
@@ -153,6 +171,7 @@ class ObservationState {
 
   std::atomic<std::uint32_t> owners_{1};
   std::atomic<std::uint32_t> calls_{0};
+  std::atomic<const void*> caller_{nullptr};  // the thread that marked calls, or this for many
   std::unique_ptr<ValueBlock> values_;
   ChangeBlock block_;
   // One of two ways to be told.
@@ -291,7 +310,7 @@ void ObservationState::run(const NSDictionary& change, const NSString& keyPath) 
 void ObservationState::end() noexcept {
   calls_.fetch_or(kClosed);
   unregister();
-  settleMarks();
+  if (isCalledElsewhere()) settleMarks();
   calls_.fetch_or(kSettled);
   if (!finish()) waitForFinish();
 }
@@ -314,7 +333,7 @@ void ObservationState::unregister() noexcept {
 
 bool ObservationState::finish() noexcept {
   std::uint32_t expected = kClosed | kSettled;
-  if (isMarked(this)) return (calls_.load() & kFinished) != 0;
+  if (isMarked(markOfCalls())) return (calls_.load() & kFinished) != 0;
   if (!calls_.compare_exchange_strong(expected, expected | kFinishing)) {
     return (expected & kFinished) != 0;
   }

@@ -73,6 +73,8 @@ class Mark {
   }
 
   [[nodiscard]] bool isSet() const noexcept { return thread_ != nullptr; }
+  /// Whose it is, when it is set.
+  [[nodiscard]] const MarkingThread* thread() const noexcept { return thread_; }
 
  private:
   MarkingThread* thread_ = nullptr;
@@ -81,7 +83,8 @@ class Mark {
 
 /// Whoever marks from now on sees what this thread has written; older marks are seen here.
 void settleMarks() noexcept;
-/// Whether a thread, this one too, has marked it.
+/// Whether a thread, this one too, has marked it. A reader that finds that what it marked is gone
+/// has marked, for that moment, whatever lies at the address meanwhile.
 bool isMarked(const void* what) noexcept;
 /// Whether no other thread ever marked anything, as far as threads live: there is nobody to settle.
 bool onlyThisThreadMarks() noexcept;

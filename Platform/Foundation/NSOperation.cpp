@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -14,6 +15,7 @@
 
 #include "Platform/Foundation/Internal/Arguments.h"
 #include "Platform/Foundation/Internal/OperationQueue.h"
+#include "Platform/Foundation/Internal/ReleaseEach.h"
 
 namespace brindle {
 namespace {
@@ -44,15 +46,31 @@ T read(const NSOperation& self, T Fields::*field) {
   return fields(self).*field;
 }
 
+/// Takes every step, whatever observers raise in some of them: others wait for what comes after.
+/// Then passes on what was raised first.
+template <class... Steps>
+void takeSteps(const Steps&... steps) {
+  std::exception_ptr raised;
+  const auto take = [&raised](const auto& step) {
+    try {
+      step();
+    } catch (...) {
+      if (!raised) raised = std::current_exception();
+    }
+  };
+  (take(steps), ...);
+  if (raised) std::rethrow_exception(raised);
+}
+
 /// Changes the state and tells those who observe the key.
 template <class Change>
 void announce(const NSOperation& self, const NSString& key, Change change) {
-  willChangeValueForKey(self, key);
-  {
-    const std::lock_guard guard(fields(self).lock);
-    change(fields(self));
-  }
-  didChangeValueForKey(self, key);
+  takeSteps([&] { willChangeValueForKey(self, key); },
+            [&] {
+              const std::lock_guard guard(fields(self).lock);
+              change(fields(self));
+            },
+            [&] { didChangeValueForKey(self, key); });
 }
 
 bool readyLocked(const Fields& f) { return f.cancelled || f.unfinished.empty(); }
@@ -117,25 +135,37 @@ void settle(const NSOperation& self) {
     queue = f.queue.lock();
     completion = std::exchange(f.completion, nullptr);
   }
-  for (const Weak<NSOperation>& dependent : dependents) {
-    if (const NSOperation other = dependent.lock()) forgetDependency(other, self, false);
-  }
-  if (queue) queue->finished(self);
-  f.isSettled.notify_all();
-  if (completion) completion();
+  takeSteps(
+      [&] {
+        detail::releaseEach(dependents, [&self](const Weak<NSOperation>& dependent) {
+          if (const NSOperation other = dependent.lock()) forgetDependency(other, self, false);
+        });
+      },
+      [&] {
+        if (queue) queue->finished(self);
+      },
+      [&] { f.isSettled.notify_all(); },
+      [&] {
+        if (completion) completion();
+      });
 }
 
 void finish(const NSOperation& self) {
   const bool executed = self->isExecuting();
-  if (executed) willChangeValueForKey(self, "isExecuting"_ns);
-  willChangeValueForKey(self, "isFinished"_ns);
-  {
-    const std::lock_guard guard(fields(self).lock);
-    fields(self).executing = false;
-    fields(self).finished = true;
-  }
-  if (executed) didChangeValueForKey(self, "isExecuting"_ns);
-  didChangeValueForKey(self, "isFinished"_ns);
+  takeSteps(
+      [&] {
+        if (executed) willChangeValueForKey(self, "isExecuting"_ns);
+      },
+      [&] { willChangeValueForKey(self, "isFinished"_ns); },
+      [&] {
+        const std::lock_guard guard(fields(self).lock);
+        fields(self).executing = false;
+        fields(self).finished = true;
+      },
+      [&] {
+        if (executed) didChangeValueForKey(self, "isExecuting"_ns);
+      },
+      [&] { didChangeValueForKey(self, "isFinished"_ns); });
 }
 
 void start(const NSOperation& self, SEL selector) {
@@ -154,22 +184,25 @@ void start(const NSOperation& self, SEL selector) {
     finish(self);
     return;
   }
-  announce(self, "isExecuting"_ns, [](Fields& f) { f.executing = true; });
-  try {
-    self->main();
-  } catch (...) {
-    finish(self);
-    throw;
-  }
-  finish(self);
+  takeSteps(
+      [&] {
+        announce(self, "isExecuting"_ns, [](Fields& f) { f.executing = true; });
+        self->main();
+      },
+      [&] { finish(self); });
 }
 
 void cancel(const NSOperation& self) {
   if (self->isFinished() || self->isCancelled()) return;
   const bool becomesReady = !self->isReady();
-  if (becomesReady) willChangeValueForKey(self, "isReady"_ns);
-  announce(self, "isCancelled"_ns, [](Fields& f) { f.cancelled = true; });
-  if (becomesReady) didChangeValueForKey(self, "isReady"_ns);
+  takeSteps(
+      [&] {
+        if (becomesReady) willChangeValueForKey(self, "isReady"_ns);
+      },
+      [&] { announce(self, "isCancelled"_ns, [](Fields& f) { f.cancelled = true; }); },
+      [&] {
+        if (becomesReady) didChangeValueForKey(self, "isReady"_ns);
+      });
 }
 
 NSOperationQueuePriority roundedPriority(NSInteger priority) {
@@ -234,12 +267,15 @@ constexpr MethodDefinition kMethods[] = {
 
     // A subclass that keeps a state of its own announces it: that is how everybody learns of it.
     method<"didChangeValueForKey:">([](const NSOperation& self, const NSString& key) {
-      sendSuper<NSOperation, "didChangeValueForKey:">(self, key);
-      if (key->isEqualToString("isFinished"_ns) && self->isFinished()) settle(self);
-      if (key->isEqualToString("isReady"_ns)) {
-        const auto queue = read(self, &Fields::queue).lock();
-        if (queue) queue->reconsider(self);
-      }
+      takeSteps([&] { sendSuper<NSOperation, "didChangeValueForKey:">(self, key); },
+                [&] {
+                  if (key->isEqualToString("isFinished"_ns) && self->isFinished()) settle(self);
+                },
+                [&] {
+                  if (!key->isEqualToString("isReady"_ns)) return;
+                  const auto queue = read(self, &Fields::queue).lock();
+                  if (queue) queue->reconsider(self);
+                });
     }),
 };
 constexpr ClassDefinition kDefinition{

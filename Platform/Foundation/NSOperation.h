@@ -38,7 +38,7 @@ class NSOperation : public Interface<NSOperation, NSObject> {
 
   /// Runs `main` on this thread, unless the operation is cancelled, and finishes. Raises
   /// NSInvalidArgumentException when the operation is executing, finished or not ready. What `main`
-  /// raises is passed on, after the operation has finished.
+  /// or an observer raises is passed on, after the operation has finished.
   void start() const { send<"start">(*this); }
   /// The work; a subclass overrides it. Does nothing here.
   void main() const { send<"main">(*this); }

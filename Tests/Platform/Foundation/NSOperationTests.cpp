@@ -5,6 +5,8 @@
 #include <string>
 #include <thread>
 
+#include <Brindle/Platform/NSOperationQueue.h>
+#include <Brindle/Platform/Observation.h>
 #include <gtest/gtest.h>
 
 #include "Tests/Platform/Foundation/OperationTesting.h"
@@ -132,6 +134,69 @@ TEST(NSOperationTest, WhatMainRaisesIsPassedOn) {
   const Job job = Job::with([] { throw std::runtime_error("no luck"); });
   EXPECT_EQ(raised([&] { job->start(); }), "no luck");
   EXPECT_EQ(stateOf(job), "ready finished ");
+}
+
+/// Raises when it is told of the key, and counts how often that was.
+Observation raiseOn(const NSOperation& operation, const NSString& key, NSUInteger options,
+                    int& told) {
+  return observe(operation, key, options, [&told, key](const NSDictionary&) {
+    ++told;
+    throw std::runtime_error("told of " + std::string(key));
+  });
+}
+
+TEST(NSOperationTest, FinishesThoughItsObserversRaise) {
+  for (const NSUInteger options : {NSUInteger{0}, NSUInteger{NSKeyValueObservingOptionPrior}}) {
+    for (const NSString& key : {"isExecuting"_ns, "isFinished"_ns}) {
+      const Job job = Job::with({});
+      const Job last = Job::with({});
+      last->addDependency(job);
+      bool completed = false;
+      job->setCompletionBlock([&completed] { completed = true; });
+      int told = 0;
+      const Observation raising = raiseOn(job, key, options, told);
+      EXPECT_EQ(raised([&] { job->start(); }), "told of " + std::string(key));
+      EXPECT_GT(told, 0);
+      EXPECT_EQ(stateOf(job), "ready finished ");
+      EXPECT_EQ(stateOf(last), "ready ");
+      EXPECT_TRUE(completed);
+      job->waitUntilFinished();
+    }
+  }
+}
+
+TEST(NSOperationTest, PassesOnWhatMainRaisedBeforeItsObservers) {
+  const Job job = Job::with([] { throw std::runtime_error("no luck"); });
+  int told = 0;
+  const Observation raising = raiseOn(job, "isFinished"_ns, 0, told);
+  EXPECT_EQ(raised([&] { job->start(); }), "no luck");
+  EXPECT_EQ(told, 1);
+  EXPECT_EQ(stateOf(job), "ready finished ");
+}
+
+TEST(NSOperationTest, LetsAllGoOnThoughTheObserversOfOneRaise) {
+  const Job job = Job::with({});
+  const Job one = Job::with({});
+  const Job other = Job::with({});
+  one->addDependency(job);
+  other->addDependency(job);
+  int told = 0;
+  const Observation raising = raiseOn(one, "isReady"_ns, 0, told);
+  EXPECT_EQ(raised([&] { job->start(); }), "told of isReady");
+  EXPECT_EQ(stateOf(one) + stateOf(other), "ready ready ");
+  job->waitUntilFinished();
+}
+
+TEST(NSOperationTest, IsReadyWhenItIsCancelledThoughItsObserversRaise) {
+  const NSOperationQueue queue = NSOperationQueue::new_();
+  const Job job = Job::with({});
+  job->addDependency(Job::with({}));
+  queue->addOperation(job);
+  int told = 0;
+  const Observation raising = raiseOn(job, "isCancelled"_ns, 0, told);
+  EXPECT_EQ(raised([&] { job->cancel(); }), "told of isCancelled");
+  job->waitUntilFinished();
+  EXPECT_EQ(stateOf(job), "ready finished cancelled ");
 }
 
 TEST(NSOperationTest, CompletionRunsOnceWhenAllIsDone) {

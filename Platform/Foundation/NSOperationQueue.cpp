@@ -70,8 +70,23 @@ void OperationQueue::startReady() {
   }
 }
 
+bool OperationQueue::putBack(const NSOperation& operation) {
+  if (operation->isReady()) return false;
+  {
+    const std::lock_guard guard(lock_);
+    const auto place = places_.find(operation.record());
+    if (place == places_.end()) return true;
+    members_[place->second].state = State::waiting;
+    --running_;
+  }
+  reconsider(operation);  // it may have become ready meanwhile
+  startReady();
+  return true;
+}
+
 void OperationQueue::run(const NSOperation& operation) {
   const AutoreleasePool pool;
+  if (putBack(operation)) return;
   runningQueue = this;
   operation->start();
   runningQueue = nullptr;

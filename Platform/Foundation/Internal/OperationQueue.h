@@ -48,6 +48,8 @@ class OperationQueue : public std::enable_shared_from_this<OperationQueue> {
   using Turn = std::pair<NSInteger, std::uint64_t>;  // higher priorities first, then by readiness
 
   void startReady();
+  /// Whether the operation has been given one more to wait for since its turn came: it waits again.
+  bool putBack(const NSOperation& operation);
   void run(const NSOperation& operation);
   bool mayStart() const;  // under the lock
 

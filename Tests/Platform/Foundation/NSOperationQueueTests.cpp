@@ -226,6 +226,22 @@ TEST(NSOperationQueueTest, ManyOperationsInChains) {
   EXPECT_EQ(wrong, 0);
 }
 
+TEST(NSOperationQueueTest, WaitsForWhatAnOperationIsMadeToDependOnInTheQueue) {
+  const NSOperationQueue queue = NSOperationQueue::new_();
+  queue->setSuspended(true);
+  std::string order;
+  const Job first = Job::with([&order] { order += "first "; });
+  const Job last = Job::with([&order] { order += "last "; });
+  queue->addOperation(last);
+  last->addDependency(first);  // it was ready, and had its turn
+  queue->setSuspended(false);
+  const Job other = Job::with({});
+  queue->addOperations(NSArray{other}, true);
+  queue->addOperation(first);
+  queue->waitUntilAllOperationsAreFinished();
+  EXPECT_EQ(order, "first last ");
+}
+
 TEST(NSOperationQueueTest, WaitsForTheOperationsItIsGiven) {
   const NSOperationQueue queue = NSOperationQueue::new_();
   const NSMutableArray jobs = NSMutableArray::array();

@@ -7,6 +7,7 @@
 #include "Platform/Foundation/Internal/ArrayStorage.h"
 #include "Platform/Foundation/Internal/Categories.h"
 #include "Platform/Foundation/Internal/KeyPath.h"
+#include "Platform/Foundation/Internal/KeyValueChange.h"
 #include "Platform/Foundation/Internal/KeyValueOperators.h"
 #include "Platform/Foundation/Internal/SetStorage.h"
 
@@ -99,8 +100,14 @@ constexpr MethodDefinition kMutableDictionaryMethods[] = {
     method<"setValue:forKey:">(
         [](const NSMutableDictionary& self, Cmd cmd, const id& value, const NSString& key) {
           requireKey(self, cmd.selector, key);
-          if (value) return self->setObject(value, key);
-          self->removeObjectForKey(key);
+          const auto change = [&] {
+            if (value) return self->setObject(value, key);
+            self->removeObjectForKey(key);
+          };
+          // Keys of observing live for ever: most dictionaries need none.
+          const auto flags = self.record()->flags.load(std::memory_order_acquire);
+          if ((flags & detail::kFlagObservers) == 0) return change();
+          detail::changeValue(self, key, change);
         }),
 };
 

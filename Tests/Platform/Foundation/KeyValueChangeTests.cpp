@@ -4,6 +4,7 @@
 #include <string>
 
 #include <Brindle/Platform/NSKeyValueObserving.h>
+#include <Brindle/Platform/NSMutableDictionary.h>
 
 #include "Tests/Platform/Foundation/KeyValueTesting.h"
 #include "Tests/Platform/Foundation/ObservingTesting.h"
@@ -78,6 +79,23 @@ TEST(KeyValueChangeTest, TheSetOfAVariableTellsOfMembers) {
                       gathered->setSet({"b"_ns});
                     }),
             "2 3 4");
+}
+
+TEST(KeyValueChangeTest, ADictionaryTellsOfWhatIsSetByKey) {
+  const NSMutableDictionary dictionary = NSMutableDictionary::dictionary();
+  const ChangeRecorder recorder = ChangeRecorder::new_();
+  addObserver(dictionary, recorder, "a"_ns,
+              kNew | NSKeyValueObservingOptionOld | NSKeyValueObservingOptionPrior);
+  setValue(dictionary, "x"_ns, "a"_ns);
+  setValue(dictionary, "x"_ns, "b"_ns);
+  setValue(dictionary, nullptr, "a"_ns);
+  EXPECT_EQ(recorder->lines(),
+            "a kind=1 old=null prior=1\na kind=1 old=null new=x\n"
+            "a kind=1 old=x prior=1\na kind=1 old=x new=null\n");
+  removeObserver(dictionary, recorder, "a"_ns);
+  setValue(dictionary, "y"_ns, "a"_ns);
+  EXPECT_EQ(recorder->lines(), "");
+  EXPECT_EQ(dictionary->count(), 2u);
 }
 
 TEST(KeyValueChangeTest, AClassMayTellByItself) {

@@ -73,7 +73,8 @@ inline Block<void()> addObserverForKeyPath(const id& object, const NSString& key
 
 /// Observes the key path of every member of a relationship (an array property), and goes with the
 /// relationship: when it is replaced or changed, its new members are observed instead. An empty
-/// one, nil and NSNull have no members. The option to stop by itself has no effect here.
+/// one, nil and NSNull have no members. The option to stop by itself has no effect here. The
+/// members of before live until the autorelease pool of the change is drained.
 inline Block<void()> addObserverForCollection(const id& object, const id& observer,
                                               const NSString& collectionKey,
                                               const NSString& objectKeyPath, NSUInteger options,

@@ -295,6 +295,7 @@ Registration* observe(const id& object, const id& observer, const ObservedPath* 
     try {
       tellInitially(object, *registration);
     } catch (...) {
+      endRegistration(registration);  // nobody could: a path that raises would spoil each setter
       releaseRegistration(registration);
       throw;
     }

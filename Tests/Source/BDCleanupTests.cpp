@@ -141,6 +141,36 @@ TEST(BDCleanupTest, ReadsItsBlockThroughTheGetter) {
   EXPECT_EQ(asked, 1);
 }
 
+TEST(BDCleanupTest, IsMadeByItsOwnMessages) {
+  const Class cls = makeClass(BDCleanup::class_());
+  static std::string sent;
+  addMethod<"cleanup">(object_getClass(cls), [](const ClassOf<BDCleanup>& self) -> BDCleanup {
+    sent += "cleanup ";
+    return self->alloc()->init();
+  });
+  addMethod<"setCall:">(cls, [](const BDCleanup& self, const Block<void()>& call) {
+    sent += "setCall: ";
+    const SEL setCall = selector<"setCall:">();
+    callImplementation<void>(class_getMethodImplementation(BDCleanup::class_(), setCall), self,
+                             setCall, call);
+  });
+  const auto cleanup = ClassOf<BDCleanup>(cls)->cleanupWithCall([] {});
+  EXPECT_TRUE(object_getClass(cleanup) == cls);
+  EXPECT_EQ(sent, "cleanup setCall: ");
+  EXPECT_TRUE(cleanup->call() != nullptr);
+}
+
+TEST(BDCleanupTest, RunsBeforeItsOwnValuesGo) {
+  BDCleanup cleanup = BDCleanup::cleanup();
+  const int before = Mortal::living();
+  objc_setAssociatedObject(cleanup, "key", Mortal::new_(), OBJC_ASSOCIATION_RETAIN);
+  int living = 0;
+  cleanup->setCall([&living] { living = Mortal::living(); });
+  cleanup = nullptr;
+  EXPECT_EQ(living, before + 1);
+  EXPECT_EQ(Mortal::living(), before);
+}
+
 TEST(BDCleanupTest, HasADeclaredProperty) {
   const objc_property_t property = class_getProperty(BDCleanup::class_(), "call");
   ASSERT_NE(property, nullptr);

@@ -8,7 +8,7 @@
 #include <Brindle/Platform/AutoreleasePool.h>
 #include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/Field.h>
-#include <Brindle/Platform/NSException.h>
+#include <Brindle/Platform/NSNull.h>
 #include <Brindle/Platform/Runtime.h>
 
 #include "Tests/Platform/Runtime/RuntimeTesting.h"
@@ -253,6 +253,28 @@ TEST(BlockObserversLife, EndInTheOrderOfTheListBeforeTheirObserver) {
   EXPECT_EQ(Mortal::living(), living - 1);
 }
 
+TEST(BlockObserversLife, ReachAnObserverThatEnds) {
+  const int before = Mortal::living();
+  std::string events;
+  int living = 0;
+  {
+    const Meter meter = Meter::new_();
+    const auto* own = &fields(meter);
+    const Mortal captured = Mortal::new_();
+    addObserver(
+        meter, meter, "level"_ns, kTied, [captured](const NSDictionary&) { captured->setTag(1); },
+        [&events, own] { events = own->events; });
+    addObserver(
+        meter, meter, "tag"_ns, kTied, [](const NSDictionary&) {},
+        [&living] { living = Mortal::living(); });
+    fields(meter).registered.clear();
+    EXPECT_EQ(Mortal::living() - before, 2);
+  }
+  EXPECT_EQ(events, "remove level ") << "the message, though weak references read nil by then";
+  EXPECT_EQ(living - before, 2) << "the list keeps the first block yet";
+  EXPECT_EQ(Mortal::living(), before);
+}
+
 TEST(BlockObserversLife, AreNotRegisteredWhenTheFirstCallRaises) {
   const Meter meter = Meter::new_();
   meter->setHeld("text"_ns);
@@ -340,10 +362,11 @@ TEST(CollectionObserversLife, StopAtTheMembersThatAreThereNow) {
   parts->addObject(Meter::new_());
   EXPECT_NE(raised([&] { stop(); }).find("NSRangeException"), std::string::npos)
       << "it was never registered";
-  // A collection without members has nothing to stop.
-  room->setParts(nullptr);
-  stop = observed();
-  stop();
+  for (const id& empty : {id(NSArray::array()), id(NSNull::null()), id(""_ns), id()}) {
+    room->setParts(empty);
+    stop = observed();
+    EXPECT_EQ(raised([&] { stop(); }), "") << "there is nothing to stop";
+  }
 }
 
 TEST(CollectionObserversLife, LetGoOfTheLastCollection) {

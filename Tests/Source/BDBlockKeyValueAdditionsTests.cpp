@@ -160,10 +160,11 @@ TEST(BlockObservers, LiveOnWhenTheSameBlockIsStoppedElsewhere) {
   const NSObject observer = NSObject::new_();
   int calls = 0;
   Block<void(const NSDictionary&)> block = [&](const NSDictionary&) { ++calls; };
-  const Block<void()> stop = addObserver(light, observer, "level"_ns, kNew, block);
+  Block<void()> stop = addObserver(light, observer, "level"_ns, kNew, block);
   addObserver(light, observer, "level"_ns, kNew, block);
   block = nullptr;
   stop();
+  stop = nullptr;  // it held the block too
   light->setLevel(1);
   EXPECT_EQ(calls, 1);
 }

@@ -74,6 +74,25 @@ TEST(NSOperationTest, AFinishedDependencyHoldsNobodyUp) {
   EXPECT_EQ(last->announced(), "");
 }
 
+TEST(NSOperationTest, AnEndThatIsMissedHoldsNobodyUp) {
+  // It finishes after it was asked, before the other one is on its list.
+  const Class cls = makeClass(NSOperation::class_());
+  static bool asked = false;
+  addMethod<"isFinished">(cls, [](const NSOperation& self) {
+    const IMP imp = class_getMethodImplementation(NSOperation::class_(), selector<"isFinished">());
+    const auto isFinished = [&] {
+      return callImplementation<bool>(imp, self, selector<"isFinished">());
+    };
+    if (asked) return isFinished();
+    asked = true;
+    self->start();
+    return false;
+  });
+  const Job last = Job::with({});
+  last->addDependency(send<"new", NSOperation>(cls));
+  EXPECT_EQ(stateOf(last), "ready ");
+}
+
 TEST(NSOperationTest, ACancelledOneFinishesWithoutItsWork) {
   bool ran = false;
   const Job first = Job::with([&ran] { ran = true; });

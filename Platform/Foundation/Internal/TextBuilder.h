@@ -1,8 +1,8 @@
 // Text put together from pieces.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
-#include <cstring>
 
 #include "Platform/Foundation/Internal/Text.h"
 
@@ -25,7 +25,7 @@ class TextBuilder {
   /// `text` is no part of this very text.
   [[gnu::always_inline]] void append(const TextView& text) {
     if (isShort_ && text.isNarrow() && text.bytes().size() <= sizeof room_ - size_) [[likely]] {
-      std::memcpy(room_ + size_, text.bytes().data(), text.bytes().size());
+      std::copy_n(text.bytes().data(), text.bytes().size(), room_ + size_);
       size_ += text.bytes().size();
     } else {
       appendToLong(text);
@@ -34,7 +34,7 @@ class TextBuilder {
   /// Appends `unit` `count` times.
   void append(std::size_t count, char16_t unit) {
     if (isShort_ && unit < 256 && count <= sizeof room_ - size_) {
-      std::memset(room_ + size_, unit, count);
+      std::fill_n(room_ + size_, count, static_cast<char>(unit));
       size_ += count;
     } else {
       grow(count);

@@ -93,7 +93,9 @@ bool isMarked(const void* what) noexcept {
 
 bool onlyThisThreadMarks() noexcept {
   const MarkingThread* thread = markingThread;
-  return living.load() <= (thread != &beginning && thread != &unable ? 1U : 0U);
+  // Written, though not changed: a thread that comes after this sees what was taken away before it,
+  // and one that came before is counted here.
+  return living.fetch_add(0) <= (thread != &beginning && thread != &unable ? 1U : 0U);
 }
 
 }  // namespace brindle::detail

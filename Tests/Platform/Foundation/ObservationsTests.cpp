@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <random>
 #include <thread>
+
+#include <Brindle/Platform/Observation.h>
 
 #include "Tests/Platform/Foundation/ObservingTesting.h"
 #include "Tests/Platform/Runtime/RuntimeTesting.h"
@@ -163,18 +166,28 @@ TEST(Observations, RaiseForAPathThroughACollection) {
 
 TEST(Observations, AreMadeAndEndedByManyThreads) {
   const WatchedPerson ann = WatchedPerson::new_();
+  ann->setFriend(WatchedPerson::new_());
+  constexpr int kRounds = 20000;
+  std::atomic<int> told{0};
   std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&ann, t] {
+  for (int t = 0; t < 8; ++t) {
+    threads.emplace_back([&ann, &told, t] {
       const ChangeRecorder recorder = ChangeRecorder::new_();
-      for (int i = 0; i < 300; ++i) {
-        addObserver(ann, recorder, t % 2 == 0 ? "age"_ns : "friend.age"_ns, kNew);
-        ann->setAge(i);
-        removeObserver(ann, recorder, t % 2 == 0 ? "age"_ns : "friend.age"_ns);
+      const NSString path = t % 2 == 0 ? "age"_ns : "friend.age"_ns;
+      for (int i = 0; i < kRounds; ++i) {
+        if (t % 4 < 2) {
+          addObserver(ann, recorder, path, kNew);
+          ann->setAge(i);
+          removeObserver(ann, recorder, path);
+        } else {
+          const Observation token = observe<int>(ann, path, [&told](int, int) { ++told; });
+          ann->setAge(i);
+        }
       }
     });
   }
   for (std::thread& thread : threads) thread.join();
+  EXPECT_GE(told, 2 * kRounds) << "each of its own change at least";
   EXPECT_EQ(object_getClass(ann), WatchedPerson::class_());
 }
 

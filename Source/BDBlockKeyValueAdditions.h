@@ -48,27 +48,44 @@ constexpr auto operator|(decltype(BDKeyValueObservingOptionRemoveOnDealloc) a, T
   return b | a;
 }
 
+/// The options of an observation with a block: any of the platform's, the one above, or both.
+class BDKeyValueObservingOptions {
+ public:
+  // NOLINTBEGIN(google-explicit-constructor): they are those options
+  constexpr BDKeyValueObservingOptions(NSUInteger options) noexcept : options_(options) {}
+  constexpr BDKeyValueObservingOptions(
+      decltype(BDKeyValueObservingOptionRemoveOnDealloc) alone) noexcept
+      : options_(NSUInteger{0} | alone) {}
+  constexpr operator NSUInteger() const noexcept { return options_; }
+  // NOLINTEND(google-explicit-constructor)
+
+ private:
+  NSUInteger options_;
+};
+
 /// Observes the key path of `object` with a copy of the block. Stopping also runs the extra
 /// removal, which may be nil. With the option to stop by itself the answer does nothing. A removal
 /// that is called twice raises NSRangeException, as the platform does. Nil observes nothing.
 inline Block<void()> addObserver(const id& object, const id& observer, const NSString& keyPath,
-                                 NSUInteger options, const BDKeyValueObservingBlock& block,
+                                 BDKeyValueObservingOptions options,
+                                 const BDKeyValueObservingBlock& block,
                                  const BlockArg<void()>& extraRemoval) {
   return send<"addObserver:forKeyPath:options:block:extraRemoval:", Block<void()>>(
-      object, observer, keyPath, options, block, extraRemoval);
+      object, observer, keyPath, NSUInteger{options}, block, extraRemoval);
 }
 /// The same without an extra removal.
 inline Block<void()> addObserver(const id& object, const id& observer, const NSString& keyPath,
-                                 NSUInteger options, const BDKeyValueObservingBlock& block) {
+                                 BDKeyValueObservingOptions options,
+                                 const BDKeyValueObservingBlock& block) {
   return send<"addObserver:forKeyPath:options:block:", Block<void()>>(object, observer, keyPath,
-                                                                      options, block);
+                                                                      NSUInteger{options}, block);
 }
 /// The same with the object as its own observer.
 inline Block<void()> addObserverForKeyPath(const id& object, const NSString& keyPath,
-                                           NSUInteger options,
+                                           BDKeyValueObservingOptions options,
                                            const BDKeyValueObservingBlock& block) {
-  return send<"addObserverForKeyPath:options:block:", Block<void()>>(object, keyPath, options,
-                                                                     block);
+  return send<"addObserverForKeyPath:options:block:", Block<void()>>(object, keyPath,
+                                                                     NSUInteger{options}, block);
 }
 
 /// Observes the key path of every member of a relationship (an array property), and goes with the
@@ -77,17 +94,19 @@ inline Block<void()> addObserverForKeyPath(const id& object, const NSString& key
 /// members of before live until the autorelease pool of the change is drained.
 inline Block<void()> addObserverForCollection(const id& object, const id& observer,
                                               const NSString& collectionKey,
-                                              const NSString& objectKeyPath, NSUInteger options,
+                                              const NSString& objectKeyPath,
+                                              BDKeyValueObservingOptions options,
                                               const BDKeyValueObservingBlock& block) {
   return send<"addObserver:forCollection:objectKeyPath:options:block:", Block<void()>>(
-      object, observer, collectionKey, objectKeyPath, options, block);
+      object, observer, collectionKey, objectKeyPath, NSUInteger{options}, block);
 }
 /// The same with the object as its own observer.
 inline Block<void()> addObserverForCollection(const id& object, const NSString& collectionKey,
-                                              const NSString& objectKeyPath, NSUInteger options,
+                                              const NSString& objectKeyPath,
+                                              BDKeyValueObservingOptions options,
                                               const BDKeyValueObservingBlock& block) {
   return send<"addObserverForCollection:objectKeyPath:options:block:", Block<void()>>(
-      object, collectionKey, objectKeyPath, options, block);
+      object, collectionKey, objectKeyPath, NSUInteger{options}, block);
 }
 
 /// The removals that run, first to last, when the object is deallocated; made when it is first

@@ -97,6 +97,23 @@ TEST(BlockObservers, StopWithTheirObserver) {
   EXPECT_EQ(object_getClass(light), Light::class_());
 }
 
+TEST(BlockObservers, TakeTheOptionAlone) {
+  static_assert(BDKeyValueObservingOptions(BDKeyValueObservingOptionRemoveOnDealloc) ==
+                0xFFFFFFFF80000000);
+  const Light light = Light::new_();
+  NSObject observer = NSObject::new_();
+  int calls = 0;
+  addObserver(light, observer, "level"_ns, BDKeyValueObservingOptionRemoveOnDealloc,
+              [&](const NSDictionary& change) {
+                ++calls;
+                EXPECT_FALSE(change->objectForKey(NSKeyValueChangeNewKey));
+              });
+  light->setLevel(1);
+  observer = nullptr;
+  light->setLevel(2);
+  EXPECT_EQ(calls, 1);
+}
+
 TEST(BlockObservers, TakeTheOptionOnlyWithAllItsBits) {
   static_assert((NSUInteger{1} | BDKeyValueObservingOptionRemoveOnDealloc) == 0xFFFFFFFF80000001);
   static_assert((1U | BDKeyValueObservingOptionRemoveOnDealloc) == 0x80000001U);

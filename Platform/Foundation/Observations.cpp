@@ -326,28 +326,12 @@ class PathWalk {
   PathWalk(Registration& registration, std::vector<ObservedLink>& links)
       : registration_(registration), links_(links) {}
 
-  void follow(const id& object, const ObservedPath* path, bool first = false) {
-    const Step step{object.record(), path};
-    const auto same = [&step](const Step& s) {
-      return s.object == step.object && s.path == step.path;
-    };
-    if (std::any_of(steps_.begin(), steps_.end(), same)) return;
-    steps_.push_back(step);
-    const ObservingPlan& plan =
-        observingPlan(object.record()->isa.load(std::memory_order_acquire), *path->key);
-    if (!first) link(object, *path->key, plan);
-    for (const ObservedPath* affecting : plan.affecting) follow(object, affecting);
-    if (path->rest == nullptr || path->rest->key->text.starts_with('@')) return;
-    const id next = CapturedValue::ofKey(object, *path->key).object();
-    if (!next || next == NSNull::null()) return;
-    if (isa<NSArray>(next) || isa<NSSet>(next)) {
-      raiseUnobservable(next, selector<"addObserver:forKeyPath:options:context:">(),
-                        path->rest->text);
+  void follow(const id& start, const ObservedPath* path, bool first = false) {
+    id reached = start;
+    while (step(reached, path, first)) {
+      path = path->rest;
+      first = false;
     }
-    // A proxy has no class that knows about keys.
-    if (!isa<NSObject>(next)) return;
-    kept_.push_back(next);
-    follow(next, path->rest);
   }
 
  private:
@@ -355,6 +339,32 @@ class PathWalk {
     const ObjectRecord* object;
     const ObservedPath* path;
   };
+
+  /// Goes on to the next object, if there is one to go to.
+  bool step(id& object, const ObservedPath* path, bool first) {
+    const Step here{object.record(), path};
+    const auto same = [&here](const Step& s) {
+      return s.object == here.object && s.path == here.path;
+    };
+    if (std::any_of(steps_.begin(), steps_.end(), same)) return false;
+    steps_.push_back(here);
+    const ObservingPlan& plan =
+        observingPlan(object.record()->isa.load(std::memory_order_acquire), *path->key);
+    if (!first) link(object, *path->key, plan);
+    for (const ObservedPath* affecting : plan.affecting) follow(object, affecting);
+    if (path->rest == nullptr || path->rest->key->text.starts_with('@')) return false;
+    id next = CapturedValue::ofKey(object, *path->key).object();
+    if (!next || next == NSNull::null()) return false;
+    if (isa<NSArray>(next) || isa<NSSet>(next)) {
+      raiseUnobservable(next, selector<"addObserver:forKeyPath:options:context:">(),
+                        textOfPath(*path->rest));
+    }
+    // A proxy has no class that knows about keys.
+    if (!isa<NSObject>(next)) return false;
+    kept_.push_back(next);
+    object = std::move(next);
+    return true;
+  }
 
   void link(const id& object, const ObservedKey& key, const ObservingPlan& plan) {
     std::uint32_t serial = 0;

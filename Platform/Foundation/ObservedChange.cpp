@@ -17,12 +17,15 @@ namespace {
 /// The value at the end of a registration's path.
 CapturedValue valueAt(const id& object, const ObservedPath* path) {
   if (path->rest == nullptr) return CapturedValue::ofKey(object, *path->key);
-  const id next = CapturedValue::ofKey(object, *path->key).object();
-  if (!next) return CapturedValue(id());
-  if (path->rest->key->text.starts_with('@')) {
-    return CapturedValue(send<"valueForKeyPath:", id>(next, path->rest->text));
+  id reached = object;
+  for (; path->rest != nullptr; path = path->rest) {
+    reached = CapturedValue::ofKey(reached, *path->key).object();
+    if (!reached) return CapturedValue(id());
+    if (path->rest->key->text.starts_with('@')) {
+      return CapturedValue(send<"valueForKeyPath:", id>(reached, path->rest->text));
+    }
   }
-  return valueAt(next, path->rest);
+  return CapturedValue::ofKey(reached, *path->key);
 }
 
 /// Sends the message to the observer. False when it is gone for good.

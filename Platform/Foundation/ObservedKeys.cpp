@@ -1,6 +1,7 @@
 // Keys and key paths of observing, each text once.
 #include "Platform/Foundation/Internal/ObservedKeys.h"
 
+#include <map>
 #include <memory>
 #include <mutex>
 #include <shared_mutex>
@@ -18,6 +19,8 @@ struct Texts {
   std::shared_mutex lock;
   std::unordered_map<std::string, ObservedKey*> keys;
   std::unordered_map<std::string, ObservedPath*> paths;
+  std::unordered_map<std::string, ObservedPath*> operators;
+  std::map<std::pair<const ObservedKey*, const ObservedPath*>, ObservedPath*> ends;
 };
 
 Texts& texts() {
@@ -35,14 +38,33 @@ ObservedKey* keyLocked(const std::string& text) {
   return key;
 }
 
+/// What an operator is about is left to reading by key path: it is not split.
+const ObservedPath* operatorLocked(const std::string& text) {
+  ObservedPath*& path = texts().operators[text];
+  const std::string first = text.substr(0, text.find('.'));
+  if (path == nullptr) path = new ObservedPath{NSString(text), keyLocked(first), nullptr};
+  return path;
+}
+
 const ObservedPath* pathLocked(const std::string& text) {
   if (ObservedPath* known = texts().paths[text]) return known;
-  const std::size_t dot = text.find('.');
-  auto* path =
-      new ObservedPath{NSString(text), keyLocked(text.substr(0, dot)),
-                       dot == std::string::npos ? nullptr : pathLocked(text.substr(dot + 1))};
-  texts().paths[text] = path;
-  return path;
+  const std::size_t found = text.find(".@");
+  std::size_t end = found == std::string::npos ? text.size() : found;
+  const ObservedPath* rest =
+      found == std::string::npos ? nullptr : operatorLocked(text.substr(found + 1));
+  for (;;) {  // from the last key to the first
+    const std::size_t dot = end == 0 ? std::string::npos : text.rfind('.', end - 1);
+    const std::size_t begin = dot == std::string::npos ? 0 : dot + 1;
+    const ObservedKey* key = keyLocked(text.substr(begin, end - begin));
+    ObservedPath*& path = texts().ends[{key, rest}];
+    if (path == nullptr) path = new ObservedPath{nullptr, key, rest};
+    if (begin == 0) {
+      path->text = NSString(text);
+      return texts().paths[text] = path;
+    }
+    rest = path;
+    end = dot;
+  }
 }
 
 // What this thread asked for lately. Literals live for ever, mostly: the text is compared in case
@@ -93,6 +115,16 @@ const ObservedPath* observedPath(const NSString& string) {
                                 const std::unique_lock guard(texts().lock);
                                 return pathLocked(text);
                               });
+}
+
+NSString textOfPath(const ObservedPath& path) {
+  std::string text;
+  for (const ObservedPath* p = &path; p != nullptr; p = p->rest) {
+    if (p != &path) text += '.';
+    const bool isOperator = p->key->text.starts_with('@') && p->text;
+    text += isOperator ? static_cast<std::string>(p->text) : p->key->text;
+  }
+  return NSString(text);
 }
 
 const ObservedKey* observedKey(const NSString& string) {

@@ -16,15 +16,18 @@ struct ObservedKey {
   mutable std::atomic<SEL> getters[3];
 };
 
-/// A key path: its first key and the rest. Lives for ever.
+/// A key path: its first key and the rest. Lives for ever. Paths share their ends, so that a long
+/// one takes no more than its keys.
 struct ObservedPath {
-  NSString text;
+  NSString text;  // of a path that was asked for, and of what begins with an operator; else nil
   const ObservedKey* key;
   const ObservedPath* rest;  // null behind the last key
 };
 
 /// The path of that text; null for nil and empty text.
 const ObservedPath* observedPath(const NSString& text);
+/// The text of any path, the rest of another one too.
+NSString textOfPath(const ObservedPath& path);
 /// The whole text as one key; null for nil.
 const ObservedKey* observedKey(const NSString& text);
 

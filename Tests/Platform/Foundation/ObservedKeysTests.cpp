@@ -95,5 +95,32 @@ TEST(ObservedKeys, MayBeManyAndLong) {
   }
 }
 
+TEST(ObservedKeys, TakeNoMoreThanTheirPath) {
+  // The ends of a path were kept as texts of their own: this one took gigabytes.
+  const WatchedPerson ann = WatchedPerson::new_();
+  const ChangeRecorder recorder = ChangeRecorder::new_();
+  std::string text;
+  for (int i = 0; i < 100000; ++i) text += "friend.";
+  const NSString path(text + "age");
+  addObserver(ann, recorder, path, kNew);
+  ann->setFriend(nullptr);
+  EXPECT_EQ(recorder->lines(), std::string(path) + " kind=1 new=null\n");
+  removeObserver(ann, recorder, path);
+  EXPECT_EQ(object_getClass(ann), WatchedPerson::class_());
+}
+
+TEST(ObservedKeys, MayEndWithAnOperator) {
+  const WatchedPerson ann = WatchedPerson::new_();
+  ann->setFriend(WatchedPerson::new_());
+  const ChangeRecorder recorder = ChangeRecorder::new_();
+  for (const NSString& path : {"friend.items.@sum.length"_ns, "items.@count"_ns}) {
+    addObserver(ann, recorder, path, kNew);
+  }
+  ann->friend_()->setItems({"ab"_ns, "c"_ns});
+  ann->setItems({"a"_ns});
+  EXPECT_EQ(recorder->lines(),
+            "friend.items.@sum.length kind=1 new=3\nitems.@count kind=1 new=1\n");
+}
+
 }  // namespace
 }  // namespace brindle

@@ -42,6 +42,11 @@ bool isRemoved(const Registration& registration) noexcept {
   return registration.removed.load(std::memory_order_acquire);
 }
 
+/// Whether its observer has gone: the path is none of its business any more, also where it raises.
+bool isAbandoned(const Registration& r) {
+  return r.handler == nullptr && r.observer != nullptr && !adopt<id>(loadWeakCell(r.observerCell));
+}
+
 constexpr NSUInteger kOld = NSKeyValueObservingOptionOld;
 constexpr NSUInteger kNew = NSKeyValueObservingOptionNew;
 constexpr NSUInteger kPrior = NSKeyValueObservingOptionPrior;
@@ -84,7 +89,7 @@ ObservedChange::ObservedChange(const id& object, const ObservedKey& key, ChangeD
   }
   for (Waiting& waiting : waiting_) {
     const Registration& r = *waiting.entry->registration;
-    if (r.handler == nullptr && (r.options & kOld) == 0) continue;
+    if (isAbandoned(r) || (r.handler == nullptr && (r.options & kOld) == 0)) continue;
     if (const id root = adopt<id>(loadWeakCell(r.objectCell))) {
       waiting.before = valueAt(root, r.path);
     }
@@ -121,7 +126,7 @@ void ObservedChange::tellPrior(const id& object) {
 void ObservedChange::followPaths(std::exception_ptr& raised) {
   for (const ObservedEntry& entry : snapshot_) {
     Registration& r = *entry.registration;
-    if (entry.key != &key_ || r.chain == nullptr || isRemoved(r)) continue;
+    if (entry.key != &key_ || r.chain == nullptr || isRemoved(r) || isAbandoned(r)) continue;
     try {
       followPath(&r);
     } catch (...) {
@@ -155,6 +160,8 @@ void ObservedChange::finish(const id& object) {
       id& change = shared[r.options & (kOld | kNew)];
       if (!change) change = dictionary(true, r.options, before, after, false);
       told = tell(r, object, change);
+    } else if (isAbandoned(r)) {
+      told = false;
     } else if (const id root = adopt<id>(loadWeakCell(r.objectCell))) {
       CapturedValue now;
       if (r.handler != nullptr || (r.options & kNew) != 0) now = valueAt(root, r.path);

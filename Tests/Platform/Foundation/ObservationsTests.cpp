@@ -164,6 +164,17 @@ TEST(Observations, RaiseForAPathThroughACollection) {
   EXPECT_EQ(object_getClass(bo), WatchedPerson::class_());
 }
 
+TEST(Observations, OfAnObserverThatIsGoneRaiseNothing) {
+  const WatchedPerson ann = WatchedPerson::new_();
+  ann->setFriend(WatchedPerson::new_());
+  addObserver(ann, ChangeRecorder::new_(), "friend.age"_ns,
+              kNew | NSKeyValueObservingOptionOld | NSKeyValueObservingOptionPrior);
+  const auto ageless = uncheckedCast<WatchedPerson>(id(Mortal::new_()));
+  EXPECT_EQ(raised([&] { ann->setFriend(ageless); }), "") << "nobody wants to know the age";
+  EXPECT_EQ(ann->friend_(), ageless);
+  EXPECT_EQ(object_getClass(ann), WatchedPerson::class_());
+}
+
 TEST(Observations, AreMadeAndEndedByManyThreads) {
   const WatchedPerson ann = WatchedPerson::new_();
   ann->setFriend(WatchedPerson::new_());

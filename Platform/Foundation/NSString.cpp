@@ -17,7 +17,6 @@
 namespace brindle {
 namespace {
 
-using internal::Text;
 using internal::TextView;
 
 // An object's contents own their units when an initialiser put them there; otherwise the units lie

@@ -22,6 +22,7 @@ std::size_t findPercent(TextView format, std::size_t position) noexcept {
 
 FormatParser::Piece FormatParser::next() noexcept {
   if (position_ == format_.size()) return Piece::end;
+  if (takePlainConversion()) return Piece::conversion;
   const std::size_t start = position_;
   position_ = findPercent(format_, start);
   if (position_ > start) {
@@ -129,20 +130,22 @@ void FormatParser::takeLength() noexcept {
 }
 
 bool FormatParser::takePlainConversion() noexcept {
-  const char16_t letter = peek();
+  if (format_.size() - position_ < 2 || format_[position_] != u'%') return false;
+  const char16_t letter = format_[position_ + 1];
   if (letter != u'@' && letter != u'd' && letter != u'i') return false;
-  ++position_;
+  position_ += 2;
+  if (hasDetails_) found_ = {};
+  hasDetails_ = false;
+  isPlain_ = true;
   found_.conversion = static_cast<char>(letter);
   found_.argument = nextArgument_++;
   return true;
 }
 
 bool FormatParser::takeConversion() noexcept {
-  if (hasDetails_) found_ = {};
-  hasDetails_ = false;
-  isPlain_ = takePlainConversion();
-  if (isPlain_) return true;
+  found_ = {};
   hasDetails_ = true;
+  isPlain_ = false;
   std::size_t argument = 0;
   const bool hasPosition = takePosition(argument);
   takeFlags();

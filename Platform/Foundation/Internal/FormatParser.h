@@ -64,8 +64,9 @@ class FormatParser {
   void takeFlags() noexcept;
   FormatField takeField() noexcept;
   void takeLength() noexcept;
-  /// The usual ones, with nothing before their letter.
+  /// The usual ones, with nothing between the percent sign and the letter.
   bool takePlainConversion() noexcept;
+  /// The others; the percent sign is behind us.
   bool takeConversion() noexcept;
 
   TextView format_;

@@ -134,6 +134,7 @@ constexpr const CategoryDefinition* kCategories[] = {
 [[gnu::constructor]] void attachPlatform() {
   attachImage({.classes = kClasses, .categories = kCategories});
   detail::watchNumberMethods();
+  detail::setEndsQuietly(&NSString::classPair.cls);
   detail::setForgetObservers(&detail::forgetObservers);
   detail::CapturedValue::learnPlainReading();
   detail::setPlainDealloc(class_getMethodImplementation(NSObject::class_(), selector<"dealloc">()));

@@ -115,6 +115,11 @@ void dispose(ObjectRecord* record) {
     std::free(record);  // NOLINT(*-no-malloc)
     return;
   }
+  if (birth != nullptr && birth->endsQuietly && (flags & kFlagsBeside) == 0) {
+    destroyFields(record, *birth);
+    std::free(record);  // NOLINT(*-no-malloc)
+    return;
+  }
   EndScope scope;
   dismantle(record);
   scope.finish();
@@ -140,6 +145,8 @@ void dispose(ObjectRecord* record) {
 void setForgetObservers(void (*forget)(ObjectRecord* record) noexcept) noexcept {
   forgetObservers.store(forget);
 }
+
+void setEndsQuietly(ClassRecord* cls) noexcept { realized(cls)->endsQuietly = true; }
 
 void setPlainDealloc(IMP dealloc) noexcept { plainDealloc.store(dealloc); }
 

@@ -72,8 +72,9 @@ BRINDLE_PLATFORM_EXPORT void endObjectInDestructor(ObjectRecord* record) noexcep
 /// One owner more. Answers the record to keep: the same one, or the heap copy of a stack block.
 inline ObjectRecord* retained(ObjectRecord* record) {
   if (record == nullptr) return nullptr;
-  if (record->count.load(std::memory_order_relaxed) >= kCountNearLimit) [[unlikely]] {
-    return retainSpecial(record);
+  const std::uint32_t count = record->count.load(std::memory_order_relaxed);
+  if (count >= kCountNearLimit) [[unlikely]] {
+    return count == kCountImmortal ? record : retainSpecial(record);
   }
   record->count.fetch_add(1, std::memory_order_relaxed);
   return record;

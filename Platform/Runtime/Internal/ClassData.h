@@ -58,6 +58,7 @@ struct ClassData {
   std::vector<ClassData*> subclasses;
   std::vector<FieldsLink> fields;  // the root's first
   bool destructible = false;
+  bool endsQuietly = false;   // see setEndsQuietly
   bool rawVariables = false;  // variables that nothing constructs: the memory is zeroed
   bool registered = false;
   std::uint32_t changes = 0;  // of methods, after the definition was attached

@@ -23,6 +23,10 @@ inline void makeImmortal(ObjectRecord* record) noexcept {
   record->count.store(kCountImmortal, std::memory_order_relaxed);
 }
 
+/// To end the fields of this class's instances, not of its subclasses', runs no other code and
+/// raises nothing. Before the first of them ends.
+void setEndsQuietly(ClassRecord* cls) noexcept;
+
 /// Weak references to the object read nil from now on.
 void clearWeakReferences(ObjectRecord* record);
 

@@ -5,6 +5,7 @@
 #include <new>
 
 #include <linux/membarrier.h>
+#include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -42,21 +43,31 @@ MarkingThread* taken() noexcept {
 }
 
 /// Gives a thread's marks back when it ends. What runs in the thread after that marks nothing.
-struct Membership {
-  Membership() noexcept {
-    living.fetch_add(1);
-    MarkingThread* thread = taken();
-    markingThread = thread != nullptr ? thread : &unable;
-  }
-  Membership(const Membership&) = delete;
-  Membership& operator=(const Membership&) = delete;
-  ~Membership() {
-    MarkingThread* thread = markingThread;
-    markingThread = &unable;
-    thread->taken.store(false, std::memory_order_release);
-    living.fetch_sub(1);
-  }
-};
+void endThread(void* marks) {
+  markingThread = &unable;
+  static_cast<MarkingThread*>(marks)->taken.store(false, std::memory_order_release);
+  living.fetch_sub(1);
+}
+
+/// Its ends come later than those of C++: what a thread's pools hold may mark for the first time
+/// when these are past, and would stay among the living.
+const pthread_key_t* threadKey() noexcept {
+  static pthread_key_t key{};
+  static const bool made = pthread_key_create(&key, &endThread) == 0;
+  return made ? &key : nullptr;
+}
+
+/// Null when it cannot be; this thread marks otherwise.
+MarkingThread* begunThread() noexcept {
+  const pthread_key_t* key = kernelSettles() ? threadKey() : nullptr;
+  if (key == nullptr) return nullptr;
+  living.fetch_add(1);
+  MarkingThread* thread = taken();
+  if (thread != nullptr && pthread_setspecific(*key, thread) == 0) return thread;
+  if (thread != nullptr) thread->taken.store(false, std::memory_order_release);
+  living.fetch_sub(1);
+  return nullptr;
+}
 
 }  // namespace
 
@@ -64,12 +75,9 @@ constinit thread_local MarkingThread* markingThread [[gnu::tls_model("initial-ex
 
 MarkingThread* markingThreadWithRoom() noexcept {
   if (markingThread != &beginning) return nullptr;
-  if (!kernelSettles()) {
-    markingThread = &unable;
-    return nullptr;
-  }
-  thread_local const Membership membership;
-  return markingThread != &unable ? markingThread : nullptr;
+  MarkingThread* thread = begunThread();
+  markingThread = thread != nullptr ? thread : &unable;
+  return thread;
 }
 
 void settleMarks() noexcept {

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <pthread.h>
 #include <array>
+#include <atomic>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -115,28 +117,51 @@ TEST(Marks, OfThreadsThatAreGoneAreTakenOver) {
   EXPECT_TRUE(isMarked(&thing));
 }
 
-/// Marks where a thread ends, after everything else of it.
-struct LateMarker {
-  const int* thing = nullptr;
-  bool* marked = nullptr;
-  ~LateMarker() {
-    Mark mark;
-    *marked = mark.set(thing);
-  }
-};
+int thing = 0;
+std::atomic<int> lateMarks{0};
 
-TEST(Marks, AreRefusedWhereAThreadEnds) {
-  int thing = 0;
-  bool late = true;
-  std::thread([&] {
-    thread_local LateMarker marker;
-    marker.thing = &thing;
-    marker.marked = &late;
+/// Where a thread ends that has set a number under this key, and after everything that C++ ends
+/// there, `thing` is marked, so many rounds of ends later.
+pthread_key_t lateKey() {
+  static const pthread_key_t key = [] {
+    pthread_key_t made{};
+    pthread_key_create(&made, [](void* rounds) {
+      if ((*static_cast<int*>(rounds))-- > 0) {
+        pthread_setspecific(lateKey(), rounds);
+        return;
+      }
+      Mark mark;
+      if (mark.set(&thing)) ++lateMarks;
+    });
+    return made;
+  }();
+  return key;
+}
+
+TEST(Marks, MayBeginWhereAThreadEnds) {
+  const bool alone = onlyThisThreadMarks();
+  lateMarks = 0;
+  for (int i = 0; i < 10; ++i) {
+    int rounds = 0;
+    std::thread([&rounds] { pthread_setspecific(lateKey(), &rounds); }).join();
+  }
+  EXPECT_EQ(lateMarks, 10);
+  EXPECT_FALSE(isMarked(&thing));
+  EXPECT_EQ(onlyThisThreadMarks(), alone);  // the threads are not among the living
+}
+
+TEST(Marks, AreRefusedWhenAThreadHasGivenThemBack) {
+  const bool alone = onlyThisThreadMarks();
+  lateMarks = 0;
+  int rounds = 1;
+  std::thread([&rounds] {
+    pthread_setspecific(lateKey(), &rounds);
     Mark mark;
     EXPECT_TRUE(mark.set(&thing));
   }).join();
-  EXPECT_FALSE(late);
+  EXPECT_EQ(lateMarks, 0);
   EXPECT_FALSE(isMarked(&thing));
+  EXPECT_EQ(onlyThisThreadMarks(), alone);
 }
 
 TEST(Marks, KeepWhatOtherThreadsTakeAway) {

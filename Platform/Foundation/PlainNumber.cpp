@@ -16,7 +16,7 @@ namespace {
 
 // Of the instances' methods alone: what class operations are added does not matter here.
 constinit std::atomic<std::uint64_t> checkedEpoch{~std::uint64_t{0}};
-constinit std::atomic<bool> plain{false};
+constinit std::atomic<bool> plain{true};
 constinit std::uint32_t changesAtLoad = 0;
 
 }  // namespace
@@ -28,9 +28,10 @@ bool numbersArePlain() noexcept {
   if (checkedEpoch.load(std::memory_order_acquire) == epoch) [[likely]] {
     return plain.load(std::memory_order_relaxed);
   }
-  // Methods are not put back: once changed, the answer stays no.
+  // Methods are not put back: once changed, the answer stays no, also where a thread that looked
+  // before the change comes late.
   const bool now = class_getMethodChanges(NSNumber::class_()) == changesAtLoad;
-  plain.store(now, std::memory_order_relaxed);
+  if (!now) plain.store(false, std::memory_order_relaxed);
   checkedEpoch.store(epoch, std::memory_order_release);
   return now;
 }

@@ -137,7 +137,9 @@ class ObservationState {
    private:
     std::uint32_t begin() noexcept {
       if (!mark_.set(state_.markOfCalls())) return state_.calls_.fetch_add(kCall);
-      const void* caller = state_.caller_.load(std::memory_order_acquire);
+      // In the one order of all, as there: an end that does not see this caller has closed the
+      // state for what is read next.
+      const void* caller = state_.caller_.load();
       if (caller != mark_.thread() && caller != &state_) [[unlikely]]
         state_.noteCaller(mark_.thread());
       return state_.calls_.load();

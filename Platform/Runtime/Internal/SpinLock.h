@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 namespace brindle::detail {
@@ -11,11 +12,24 @@ namespace brindle::detail {
 class SpinLock {
  public:
   void lock() noexcept {
-    while (busy_.exchange(true, std::memory_order_acquire)) std::this_thread::yield();
+    if (busy_.exchange(true, std::memory_order_acquire)) [[unlikely]]
+      lockLater();
   }
   void unlock() noexcept { busy_.store(false, std::memory_order_release); }
 
  private:
+  [[gnu::noinline]] void lockLater() noexcept {
+    constexpr int kYields = 100;
+    for (int i = 0; busy_.exchange(true, std::memory_order_acquire); ++i) {
+      if (i < kYields) {
+        std::this_thread::yield();
+      } else {
+        // Yielding lets nobody of a lower priority run, and it may be one of those who has it.
+        std::this_thread::sleep_for(std::chrono::microseconds(50));
+      }
+    }
+  }
+
   std::atomic<bool> busy_{false};
 };
 

@@ -41,7 +41,8 @@ struct RecentList {
   ObservedList* list;
   std::size_t count;
 };
-constexpr std::size_t kRecent = 16;
+// Few: what a library keeps for each thread has to fit where a program has room that opens it late.
+constexpr std::size_t kRecent = 8;
 constinit thread_local RecentList recentLists [[gnu::tls_model("initial-exec")]][kRecent]{};
 
 RecentList& recentList(const ObjectRecord* object) noexcept {

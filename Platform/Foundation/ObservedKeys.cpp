@@ -74,7 +74,8 @@ struct Recent {
   const ObjectRecord* string;
   const T* found;
 };
-constexpr std::size_t kRecent = 32;
+// Few: what a library keeps for each thread has to fit where a program has room that opens it late.
+constexpr std::size_t kRecent = 8;
 template <class T>
 constinit thread_local Recent<T> recent[kRecent]{};
 

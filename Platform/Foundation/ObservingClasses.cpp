@@ -352,7 +352,8 @@ struct RecentPlan {
   const ObservedKey* key;
   const ObservingPlan* plan;
 };
-constexpr std::size_t kRecent = 32;
+// Few: what a library keeps for each thread has to fit where a program has room that opens it late.
+constexpr std::size_t kRecent = 8;
 constinit thread_local RecentPlan recentPlans[kRecent]{};
 
 }  // namespace
@@ -374,8 +375,6 @@ const ObservingPlan& observingPlan(ClassRecord* cls, const ObservedKey& key) {
   }
   if (plan == nullptr || plan->epoch != epoch) {
     std::unique_ptr<ObservingPlan> made = makePlan(cls, key);
-    // Making the class was a change of methods too.
-    const std::uint64_t now = methodEpoch.load(std::memory_order_acquire);
     const std::lock_guard guard(plans().lock);
     const ObservingPlan*& known = plans().plans[{cls, &key}];
     if (known == nullptr || known->notifying != made->notifying ||
@@ -383,7 +382,9 @@ const ObservingPlan& observingPlan(ClassRecord* cls, const ObservedKey& key) {
       if (known != nullptr) plans().outdated.push_back(known);
       known = made.release();
     }
-    known->epoch.store(now, std::memory_order_release);
+    // As of before it was made: what changed meanwhile, the making of its class too, makes the next
+    // call look again.
+    known->epoch.store(epoch, std::memory_order_release);
     plan = known;
   }
   recent = {cls, &key, plan};

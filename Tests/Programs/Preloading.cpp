@@ -6,38 +6,10 @@
 
 #include <Brindle/BDClassMixIn.h>
 #include <Brindle/BDRuntimeAdditions.h>
-#include <Brindle/Platform/Definition.h>
 #include <Brindle/Platform/NSObject.h>
+#include <Brindle/Platform/Runtime.h>
 
 namespace brindle {
-namespace {
-
-class Counter : public Interface<Counter, NSObject> {
- public:
-  using Interface::Interface;
-  static ClassPair<Counter> classPair;
-  int one() const { return send<"one", int>(*this); }
-  int two() const { return send<"two", int>(*this); }
-};
-constexpr MethodDefinition kCounterMethods[] = {
-    method<"one">([](const Counter&) { return 1; }),
-    method<"two">([](const Counter&) { return 2; }),
-};
-constexpr ClassDefinition kCounter{.name = "Counter", .methods = kCounterMethods};
-
-class Doubler : public Interface<Doubler, NSObject> {
- public:
-  using Interface::Interface;
-  static ClassPair<Doubler> classPair;
-};
-constexpr MethodDefinition kDoublerMethods[] = {
-    method<"one">([](const Doubler& self) { return send<"mixin_one", int>(self) * 2; }),
-};
-constexpr ClassDefinition kDoubler{.name = "Doubler", .methods = kDoublerMethods};
-
-}  // namespace
-constinit ClassPair<Counter> Counter::classPair{kCounter};
-constinit ClassPair<Doubler> Doubler::classPair{kDoubler};
 namespace {
 
 int failures = 0;
@@ -47,20 +19,33 @@ void expect(bool right, const char* what) {
   failures += right ? 0 : 1;
 }
 
+/// A class with a method `one`.
+template <class Body>
+Class made(const char* name, Body body) {
+  const Class cls = objc_allocateClassPair(NSObject::class_(), name, 0);
+  const auto one = implementation(body);
+  class_addMethod(cls, selector<"one">(), one.implementation, one.types);
+  objc_registerClassPair(cls);
+  return cls;
+}
+
 void run() {
   const auto* calls = static_cast<const int*>(::dlsym(RTLD_DEFAULT, "preloadedCalls"));
   expect(calls != nullptr, "a library with a method_swizzle is preloaded");
   if (calls == nullptr) return;
-  const Class cls = Counter::class_();
-  registerClass(Counter::classPair);
-  const Counter counter = Counter::new_();
+  const Class cls = made("Counter", [](const NSObject&) { return 1; });
+  const auto two = implementation([](const NSObject&) { return 2; });
+  class_addMethod(cls, selector<"two">(), two.implementation, two.types);
+  const id counter = send<"new", id>(cls);
+  const auto one = [&counter] { return send<"one", int>(counter); };
 
   expect(swizzle(cls, selector<"one">(), selector<"two">()) && *calls == 1,
          "swizzle:with: calls it");
-  expect(counter->one() == 2 && counter->two() == 1, "and it can hand the call on");
-  class_mixIn(cls, Doubler::class_());
+  expect(one() == 2 && send<"two", int>(counter) == 1, "and it can hand the call on");
+  class_mixIn(
+      cls, made("Doubler", [](const NSObject& self) { return send<"mixin_one", int>(self) * 2; }));
   expect(*calls == 2, "class_mixIn calls it for what the class has already");
-  expect(counter->one() == 4, "which works as ever");
+  expect(one() == 4, "which works as ever");
   swizzleClassMethod(cls, selector<"class">(), selector<"self">());
   expect(*calls == 3, "swizzleClassMethod:with: calls it");
   expect(method_swizzle(cls.record(), selector<"one">(), selector<"two">()) && *calls == 4,

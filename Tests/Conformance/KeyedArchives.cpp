@@ -14,6 +14,7 @@
 #include <Brindle/Platform/NSNumber.h>
 #include <Brindle/Platform/Runtime.h>
 
+#include "Tests/Conformance/Hex.h"
 #include "Tests/Conformance/Json.h"
 #include "Tests/Conformance/Report.h"
 #include "Tests/Conformance/Table.h"
@@ -99,16 +100,6 @@ void collectClasses(const Json& json, std::set<std::string>& names) {
   }
   for (const auto& [key, value] : json.members) collectClasses(value, names);
   for (const Json& item : json.items) collectClasses(item, names);
-}
-
-std::string hexOf(std::string_view bytes) {
-  std::string text;
-  constexpr char kDigits[] = "0123456789abcdef";
-  for (const char c : bytes) {
-    text += kDigits[static_cast<unsigned char>(c) >> 4U];
-    text += kDigits[static_cast<unsigned char>(c) & 15U];
-  }
-  return text;
 }
 
 /// Compares an object with its answer; what differs is told with the way to it.

@@ -6,6 +6,7 @@
 #include "Platform/Foundation/Internal/BundleLayout.h"
 #include "Platform/Foundation/Internal/PropertyListFormat.h"
 #include "Platform/Foundation/Internal/TextEncoding.h"
+#include "Tests/Conformance/Hex.h"
 #include "Tests/Conformance/Json.h"
 #include "Tests/Conformance/Report.h"
 
@@ -15,16 +16,6 @@ namespace {
 using internal::PropertyKind;
 using internal::PropertyList;
 using Index = PropertyList::Index;
-
-std::string hexOf(std::string_view bytes) {
-  std::string text;
-  constexpr char kDigits[] = "0123456789abcdef";
-  for (const char c : bytes) {
-    text += kDigits[static_cast<unsigned char>(c) >> 4U];
-    text += kDigits[static_cast<unsigned char>(c) & 15U];
-  }
-  return text;
-}
 
 /// Compares a node with its answer; what differs is told with the way to it.
 class Comparison {

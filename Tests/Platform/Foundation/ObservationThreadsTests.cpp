@@ -32,45 +32,41 @@ void dawdle() {
   for (int i = 0; i < 200; ++i) std::this_thread::yield();
 }
 
-TEST(ObservationThreads, ResetWaitsForCallsOnOtherThreads) {
-  for (int round = 0; round < 20; ++round) {
-    const WatchedPerson ann = WatchedPerson::new_();
-    Event inside;
-    Event leave;
-    int finished = 0;  // of this frame, and without a lock
-    Observation watching = observe<int>(ann, "age"_ns, [&](int, int) {
-      inside.happen();
-      leave.await();
-      dawdle();
-      ++finished;
-    });
-    std::thread changer([&] { ann->setAge(1); });
-    inside.await();
-    leave.happen();
-    watching.reset();
-    EXPECT_EQ(finished, 1);
-    changer.join();
-  }
-}
-
-TEST(ObservationThreads, ResetWaitsInTheDictionaryFormToo) {
+/// Resets an observation while another thread is inside its call. `observing` observes the age of a
+/// person with a lambda that it is given.
+template <class Observing>
+void expectResetToWait(const Observing& observing) {
   const WatchedPerson ann = WatchedPerson::new_();
   Event inside;
   Event leave;
-  int finished = 0;
-  Observation watching =
-      observe(ann, "age"_ns, NSKeyValueObservingOptionNew, [&](const NSDictionary&) {
-        inside.happen();
-        leave.await();
-        dawdle();
-        ++finished;
-      });
+  int finished = 0;  // of this frame, and without a lock
+  Observation watching = observing(ann, [&] {
+    inside.happen();
+    leave.await();
+    dawdle();
+    ++finished;
+  });
   std::thread changer([&] { ann->setAge(1); });
   inside.await();
   leave.happen();
   watching.reset();
   EXPECT_EQ(finished, 1);
   changer.join();
+}
+
+TEST(ObservationThreads, ResetWaitsForCallsOnOtherThreads) {
+  for (int round = 0; round < 20; ++round) {
+    expectResetToWait([](const WatchedPerson& ann, auto call) {
+      return observe<int>(ann, "age"_ns, [call](int, int) { call(); });
+    });
+  }
+}
+
+TEST(ObservationThreads, ResetWaitsInTheDictionaryFormToo) {
+  expectResetToWait([](const WatchedPerson& ann, auto call) {
+    return observe(ann, "age"_ns, NSKeyValueObservingOptionNew,
+                   [call](const NSDictionary&) { call(); });
+  });
 }
 
 TEST(ObservationThreads, NoCallBeginsAfterReset) {

@@ -1,9 +1,9 @@
 // Observing a property with a lambda.
 //
 //   Weak<Window> weak = window;
-//   Block<void()> stop = addObserver(model, window, "title"_ns, NSKeyValueObservingOptionNew,
-//                                    [weak](const NSDictionary& change) { weak.lock()->redraw();
-//                                    });
+//   Block<void()> stop =
+//       addObserver(model, window, "title"_ns, NSKeyValueObservingOptionNew,
+//                   [weak](const NSDictionary& change) { weak.lock()->redraw(); });
 //   ...
 //   stop();
 //

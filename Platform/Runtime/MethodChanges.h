@@ -4,8 +4,8 @@
 // could tell the difference: whether one of the methods on the way was added to, replaced or
 // exchanged.
 //
-//   static MethodWatch watch{NSDate::class_(), NSCalendar::class_()};   // made while the program
-//   starts if (watch.unchanged()) ...   // one load while no class of the process changes
+//   static MethodWatch watch{NSDate::class_(), NSCalendar::class_()};  // as the program starts
+//   if (watch.unchanged()) shortWay();  // one load while no class of the process changes
 #pragma once
 
 #include <atomic>
